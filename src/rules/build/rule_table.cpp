@@ -1,0 +1,152 @@
+#include "rules/build/rule_table.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+
+#include "foundation/text.hpp"
+#include "rules/build/tsv.hpp"
+
+namespace nimbara::rules {
+namespace {
+
+constexpr std::array<std::string_view, kDimensionCount> kDimensionColumns = {
+    "Zones", "Speed", "Format", "Pre", "Disc", "Scope", "Sampl", "Serv"};
+
+[[noreturn]] void fail(std::string_view file, std::size_t line, const std::string& what)
+{
+    throw std::runtime_error(std::string(file) + ":" + std::to_string(line) + ": " + what);
+}
+
+int to_int(std::string_view field, std::string_view file, std::size_t line, std::string_view column)
+{
+    if (field == "-") return 0;
+    int value = 0;
+    const auto [end, ec] = std::from_chars(field.data(), field.data() + field.size(), value);
+    if (ec != std::errc{} || end != field.data() + field.size())
+        fail(file, line, std::string(column) + " is not a whole number: \"" + std::string(field) + "\"");
+    return value;
+}
+
+std::string item(const std::vector<std::string>& tags, const std::vector<std::string_view>& values)
+{
+    std::string out = "<ITEM>";
+    for (std::size_t i = 0; i < tags.size(); ++i) {
+        out += '<' + tags[i] + '>';
+        out += values[i];
+        out += "</" + tags[i] + '>';
+    }
+    out += "</ITEM>";
+    return out;
+}
+
+}  // namespace
+
+std::vector<RuleRow> parse_rule_table(std::string_view text)
+{
+    constexpr std::string_view file = "rules.tsv";
+    std::vector<RuleRow> rows;
+    for (const TsvLine& line : read_tsv(text, file)) {
+        const auto& f = line.fields;
+        if (f.size() != 5 + kDimensionCount) fail(file, line.number, "expected 13 columns");
+        RuleRow row;
+        row.id = to_int(f[0], file, line.number, "Id");
+        row.product = f[1] == "-" ? std::string_view{} : f[1];
+        if (f[2] != "Y" && f[2] != "N" && f[2] != "-") fail(file, line.number, "Act must be Y, N or -");
+        row.listing = static_cast<Listing>(f[2].front());
+        row.min = to_int(f[3], file, line.number, "Min");
+        row.max = to_int(f[4], file, line.number, "Max");
+        for (std::size_t d = 0; d < kDimensionCount; ++d) row.codes[d] = f[5 + d] == "-" ? std::string_view{} : f[5 + d];
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::vector<DocumentSpec> parse_document_specs(std::string_view text)
+{
+    constexpr std::string_view file = "documents.tsv";
+    std::vector<DocumentSpec> specs;
+    for (const TsvLine& line : read_tsv(text, file)) {
+        const auto& f = line.fields;
+        if (f.size() != 4) fail(file, line.number, "expected 4 columns");
+        DocumentSpec spec;
+        spec.function = std::string(f[0]);
+        if (f[1] == "Act") {
+            spec.kind = DocumentSpec::Kind::RuleList;
+        } else if (f[1] == "Min") {
+            spec.kind = DocumentSpec::Kind::Weight;
+        } else {
+            const auto it = std::find(kDimensionColumns.begin(), kDimensionColumns.end(), f[1]);
+            if (it == kDimensionColumns.end()) fail(file, line.number, "unknown column \"" + std::string(f[1]) + "\"");
+            spec.dimension = static_cast<Dimension>(it - kDimensionColumns.begin());
+        }
+        for_each_code(f[2], [&](std::string_view tag) { spec.tags.emplace_back(tag); });
+        if (f[3] == "none") {
+            spec.repeat = DocumentSpec::Repeat::None;
+        } else if (f[3] == "last") {
+            spec.repeat = DocumentSpec::Repeat::Last;
+        } else {
+            const auto blank = f[3].find(' ');
+            if (blank == std::string_view::npos) fail(file, line.number, "Repeat must be none, last or \"ID CODE\"");
+            spec.repeat = DocumentSpec::Repeat::Row;
+            spec.repeat_id = to_int(f[3].substr(0, blank), file, line.number, "Repeat");
+            spec.repeat_code = std::string(f[3].substr(blank + 1));
+        }
+        const std::size_t expected = spec.kind == DocumentSpec::Kind::Weight ? 4 : spec.kind == DocumentSpec::Kind::RuleList ? 3 : 2;
+        if (spec.tags.size() != expected) fail(file, line.number, "wrong number of tags");
+        specs.push_back(std::move(spec));
+    }
+    return specs;
+}
+
+std::optional<RepeatedRow> repeated_row(const DocumentSpec& spec, const std::vector<RuleRow>& table)
+{
+    if (spec.kind != DocumentSpec::Kind::Dimension || spec.repeat == DocumentSpec::Repeat::None) return std::nullopt;
+    if (spec.repeat == DocumentSpec::Repeat::Row) return RepeatedRow{spec.dimension, spec.repeat_id, spec.repeat_code};
+    std::optional<RepeatedRow> last;
+    for (const RuleRow& row : table)
+        for_each_code(row.codes_of(spec.dimension), [&](std::string_view code) { last = RepeatedRow{spec.dimension, row.id, code}; });
+    return last;
+}
+
+std::string build_rule_document(const DocumentSpec& spec, const std::vector<RuleRow>& table)
+{
+    std::vector<std::string> items;
+    std::optional<std::size_t> repeated;
+    for (const RuleRow& row : table) {
+        const std::string id = std::to_string(row.id);
+        switch (spec.kind) {
+        case DocumentSpec::Kind::RuleList:
+            if (row.in_rule_list())
+                items.push_back(item(spec.tags, {id, row.product, row.listing == Listing::Active ? "True" : "False"}));
+            break;
+        case DocumentSpec::Kind::Weight:
+            if (row.in_rule_list())
+                items.push_back(item(spec.tags, {id, std::to_string(row.min), std::to_string(row.max), row.product}));
+            break;
+        case DocumentSpec::Kind::Dimension:
+            for_each_code(row.codes_of(spec.dimension), [&](std::string_view code) {
+                if (spec.repeat == DocumentSpec::Repeat::Row && row.id == spec.repeat_id && code == spec.repeat_code)
+                    repeated = items.size();
+                items.push_back(item(spec.tags, {code, id}));
+            });
+            break;
+        }
+    }
+    if (spec.repeat == DocumentSpec::Repeat::Row) {
+        if (!repeated)
+            throw std::runtime_error(spec.function + ": the row to repeat, " + std::to_string(spec.repeat_id) + " " +
+                                     spec.repeat_code + ", is not in the table");
+        std::string moved = std::move(items[*repeated]);
+        items.erase(items.begin() + static_cast<std::ptrdiff_t>(*repeated));
+        items.push_back(moved);
+    }
+    if (spec.repeat != DocumentSpec::Repeat::None && !items.empty()) items.push_back(items.back());
+
+    std::string out = "<LIST>";
+    for (const auto& i : items) out += i;
+    out += "</LIST>";
+    return text::to_upper(out);
+}
+
+}  // namespace nimbara::rules

@@ -1,0 +1,24 @@
+#pragma once
+// The compiled-in catalogue as the generator writes it: the rule table and the named documents.
+#include <cstddef>
+#include <string_view>
+
+#include "rules/build/rule_table.hpp"
+
+namespace nimbara::rules {
+
+struct NamedDocument {
+    std::string_view function;
+    std::string_view text;
+};
+
+namespace generated {
+extern const RuleRow kRuleTable[];
+extern const std::size_t kRuleTableSize;
+extern const NamedDocument kDocuments[];
+extern const std::size_t kDocumentCount;
+extern const RepeatedRow kRepeatedRows[];
+extern const std::size_t kRepeatedRowCount;
+}  // namespace generated
+
+}  // namespace nimbara::rules

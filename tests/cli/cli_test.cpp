@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+struct Run {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+// Runs the program with a shell command line, capturing standard output and standard error.
+Run run(const std::string& args, const std::string& input = "")
+{
+    const auto dir = std::filesystem::temp_directory_path();
+    const auto in = dir / ("nimbara-cli-in-" + std::to_string(::getpid()));
+    const auto err = dir / ("nimbara-cli-err-" + std::to_string(::getpid()));
+    std::ofstream(in) << input;
+    const std::string cmd = std::string(NIMBARA_CLI) + " " + args + " <" + in.string() + " 2>" + err.string();
+    FILE* pipe = ::popen(cmd.c_str(), "r");
+    std::string out;
+    std::array<char, 4096> buf;
+    while (const auto n = std::fread(buf.data(), 1, buf.size(), pipe)) out.append(buf.data(), n);
+    const int status = ::pclose(pipe);
+    std::ifstream e(err);
+    std::string err_text((std::istreambuf_iterator<char>(e)), {});
+    std::filesystem::remove(in);
+    std::filesystem::remove(err);
+    return {WEXITSTATUS(status), out, err_text};
+}
+
+}  // namespace
+
+TEST(Cli, Version)
+{
+    const auto r = run("--version");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, "nimbara 5.3.15\n");
+}
+
+TEST(Cli, DocumentIsWrittenExactly)
+{
+    const auto r = run("document getXML_DoValAmbitoDist");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_TRUE(r.out.starts_with("<LIST><ITEM><CODDAMBITODIST>"));
+    EXPECT_TRUE(r.out.ends_with("</ITEM></LIST>"));
+
+    const auto unknown = run("document getXML_Nada");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.out, "");
+    EXPECT_NE(unknown.err.find("getXML_Nada"), std::string::npos);
+    EXPECT_NE(unknown.err.find("getXML_DoValServEsp"), std::string::npos) << "the known names are listed";
+}
+
+TEST(Cli, CheckLinesJudgesEveryRowAndRefusesBadOnes)
+{
+    const std::string batch =
+        "C01\t01\t50\t0\t02\t1\t0\t0\t0\t0\n"
+        "C01\t01\t50\t0\t02\n"                       // too few fields
+        "C01\t01\t5x\t0\t02\t1\t0\t0\t0\t0\n"        // weight is no number
+        "C01\t01\t3000000000\t0\t02\t1\t0\t0\t0\t0\n"  // weight beyond 32 bits
+        "C24\t01\t10\t01\t01\t1\t0\t0\t0\t02\r\n"    // CR LF line end
+        "C01\t01\t20\t0\t01\t1\t0\t0\t0\t0,02,07\n";
+    const auto r = run("check-lines", batch);
+    EXPECT_EQ(r.status, 2);
+    EXPECT_EQ(r.out,
+              "0\n"
+              "!expected 10 tab-separated fields, found 5\n"
+              "!weight \"5x\" is not a 32-bit whole number\n"
+              "!weight \"3000000000\" is not a 32-bit whole number\n"
+              "-16\t06\n"
+              "-10\t02,07\n");
+    EXPECT_NE(r.err.find("<stdin>:2:"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("<stdin>:3:"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("<stdin>:4:"), std::string::npos) << r.err;
+
+    const auto clean = run("check-lines", "C01\t01\t0\t0\t02\t1\t0\t0\t0\t0\n");
+    EXPECT_EQ(clean.status, 0);
+    EXPECT_EQ(clean.out, "-3\tErro na Validação do Peso\n");
+}
+
+TEST(Cli, CheckLinesMissingFile)
+{
+    const auto r = run("check-lines /nonexistent/batch.tsv");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("/nonexistent/batch.tsv"), std::string::npos);
+}

@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "nimbara/GlobalXML.hpp"
+
+namespace xml = nimbara::GlobalXML;
+
+namespace {
+
+struct Row {
+    std::vector<std::string> values;  // in tag order
+    bool operator<(const Row& o) const { return values < o.values; }
+    bool operator==(const Row& o) const { return values == o.values; }
+};
+
+std::vector<Row> rows_of(std::string_view text, std::vector<std::string>* tags = nullptr)
+{
+    pugi::xml_document doc;
+    EXPECT_TRUE(doc.load_buffer(text.data(), text.size()));
+    std::vector<Row> rows;
+    for (const auto& item : doc.select_nodes("LIST/ITEM")) {
+        Row r;
+        std::vector<std::string> names;
+        for (const auto& child : item.node().children()) {
+            r.values.emplace_back(child.text().get());
+            names.emplace_back(child.name());
+        }
+        if (tags) *tags = names;
+        rows.push_back(r);
+    }
+    return rows;
+}
+
+// The rule table as a person reads data/rules.tsv: one line per rule, blank-separated codes.
+struct TableRow {
+    std::vector<std::string> f;
+};
+std::vector<TableRow> read_table()
+{
+    std::ifstream in(std::string(NIMBARA_SOURCE_DIR) + "/data/rules.tsv");
+    std::vector<TableRow> rows;
+    std::string line;
+    bool header = true;
+    while (std::getline(in, line)) {
+        if (line.empty() || line[0] == '#') continue;
+        if (header) { header = false; continue; }
+        TableRow r;
+        std::stringstream s(line);
+        std::string field;
+        while (std::getline(s, field, '\t')) r.f.push_back(field);
+        while (r.f.size() < 13) r.f.emplace_back();
+        rows.push_back(r);
+    }
+    return rows;
+}
+
+std::vector<std::string> split_blanks(const std::string& s)
+{
+    std::vector<std::string> out;
+    std::stringstream in(s);
+    std::string w;
+    while (in >> w)
+        if (w != "-") out.push_back(w);
+    return out;
+}
+
+struct DimensionDoc {
+    std::string_view function;
+    std::string value_tag;
+    int column;
+    std::size_t rows;
+};
+const DimensionDoc kDimensionDocs[] = {
+    {"getXML_DoValZonaTaxacao", "CODZTAXACAO", 5, 328},
+    {"getXML_DoValVelocidade", "CODVELOCIDADE", 6, 154},
+    {"getXML_DoValFormato", "CODFORMATO", 7, 192},
+    {"getXML_DoValPreTratamento", "PRETRATAMENTO", 8, 166},
+    {"getXML_DoValDesconto", "CODDESCONTO", 9, 169},
+    {"getXML_DoValAmbitoDist", "CODDAMBITODIST", 10, 142},
+    {"getXML_DoValEntrega_Sampling", "CODDENTREGASAMPLING", 11, 143},
+    {"getXML_DoValServEsp", "CODSERVICOE", 12, 214},
+};
+
+}  // namespace
+
+TEST(RuleDocuments, TextShape)
+{
+    for (const auto name : xml::document_names()) {
+        const std::string_view text = *xml::document(name);
+        EXPECT_TRUE(text.starts_with("<LIST><ITEM>")) << name;
+        EXPECT_TRUE(text.ends_with("</ITEM></LIST>")) << name;
+        EXPECT_EQ(text.find_first_of(" \t\r\n"), std::string_view::npos) << name << ": blanks between tags";
+        EXPECT_EQ(text.find("<?xml"), std::string_view::npos) << name;
+        for (char c : text) ASSERT_FALSE(c >= 'a' && c <= 'z') << name << " is not in capitals";
+    }
+}
+
+TEST(RuleDocuments, RuleListHasEveryRuleOnceInTableOrder)
+{
+    std::vector<std::string> tags;
+    const auto rows = rows_of(xml::getXML_getIDCodValidacao(), &tags);
+    EXPECT_EQ(tags, (std::vector<std::string>{"CODVALIDACAO", "CODPRODUTO", "ACTIVO"}));
+    ASSERT_EQ(rows.size(), 141u);
+    std::vector<Row> expected;
+    for (const auto& t : read_table())
+        if (t.f[2] != "-") expected.push_back({{t.f[0], t.f[1], t.f[2] == "Y" ? "TRUE" : "FALSE"}});
+    EXPECT_EQ(rows, expected);
+    EXPECT_EQ(rows.front().values, (std::vector<std::string>{"0", "", "TRUE"}));
+    int inactive = 0;
+    for (const auto& r : rows) inactive += r.values[2] == "FALSE";
+    EXPECT_EQ(inactive, 13);
+}
+
+TEST(RuleDocuments, WeightDocumentRepeatsItsLastRow)
+{
+    std::vector<std::string> tags;
+    const auto rows = rows_of(xml::getXML_DoValPeso(), &tags);
+    EXPECT_EQ(tags, (std::vector<std::string>{"CODVALIDACAO", "CESCALAOMIN", "CESCALAOMAX", "CODPRODUTO"}));
+    ASSERT_EQ(rows.size(), 142u);
+    EXPECT_EQ(rows[140], rows[141]);
+    std::vector<Row> expected;
+    for (const auto& t : read_table())
+        if (t.f[2] != "-") expected.push_back({{t.f[0], t.f[3], t.f[4], t.f[1]}});
+    expected.push_back(expected.back());
+    EXPECT_EQ(rows, expected);
+}
+
+TEST(RuleDocuments, DimensionDocumentsMatchTheTableRowForRow)
+{
+    const auto table = read_table();
+    for (const auto& d : kDimensionDocs) {
+        std::vector<std::string> tags;
+        const auto rows = rows_of(*xml::document(d.function), &tags);
+        EXPECT_EQ(tags, (std::vector<std::string>{d.value_tag, "CODVALIDACAO"})) << d.function;
+        EXPECT_EQ(rows.size(), d.rows) << d.function;
+        ASSERT_GE(rows.size(), 2u);
+        EXPECT_EQ(rows[rows.size() - 1], rows[rows.size() - 2]) << d.function << ": last row is not repeated";
+
+        // Same rows as the table (order aside), each once, plus the repeated one.
+        std::multiset<Row> got(rows.begin(), rows.end() - 1), expected;
+        for (const auto& t : table)
+            for (const auto& code : split_blanks(t.f[static_cast<std::size_t>(d.column)])) expected.insert({{code, t.f[0]}});
+        EXPECT_EQ(got, expected) << d.function;
+    }
+}
+
+TEST(RuleDocuments, DeliberateFactsOfTheData)
+{
+    // The services document repeats rule 132's "0", so that rule admits "0" twice.
+    const auto services = rows_of(xml::getXML_DoValServEsp());
+    EXPECT_EQ(services.back().values, (std::vector<std::string>{"0", "132"}));
+
+    // Pre-treatment rows exist for rule 74, which is not in the rule list.
+    const auto pre = rows_of(xml::getXML_DoValPreTratamento());
+    std::set<std::string> for74;
+    for (const auto& r : pre)
+        if (r.values[1] == "74") for74.insert(r.values[0]);
+    EXPECT_EQ(for74, (std::set<std::string>{"1", "2"}));
+    for (const auto& r : rows_of(xml::getXML_getIDCodValidacao())) EXPECT_NE(r.values[0], "74");
+
+    // Rule 79 has rows in no dimension document.
+    for (const auto& d : kDimensionDocs)
+        for (const auto& r : rows_of(*xml::document(d.function))) EXPECT_NE(r.values[1], "79") << d.function;
+
+    // No document names C38 or C39.
+    for (const auto name : xml::document_names()) {
+        EXPECT_EQ(xml::document(name)->find("C38"), std::string_view::npos);
+        EXPECT_EQ(xml::document(name)->find("C39"), std::string_view::npos);
+    }
+}
+
+TEST(RuleDocuments, LookupByName)
+{
+    EXPECT_EQ(xml::document("getXML_DoValPeso"), xml::getXML_DoValPeso());
+    EXPECT_EQ(xml::document("getXML_Nothing"), std::nullopt);
+    EXPECT_GE(xml::document_names().size(), 10u);
+}

@@ -1,0 +1,40 @@
+// nimbara check-lines [FILE]: judges a batch of product lines, one result line per input line.
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "commands.hpp"
+#include "line_batch.hpp"
+
+namespace nimbara::cli {
+
+void register_check_lines(CLI::App& app, int& status)
+{
+    auto* cmd = app.add_subcommand(
+        "check-lines",
+        "Validate product lines: each input line holds the ten arguments of DoValidaProduto, tab-separated");
+    auto file = std::make_shared<std::string>();
+    cmd->add_option("FILE", *file, "The batch file; standard input when omitted");
+    cmd->callback([file, &status] {
+        std::ifstream stream;
+        std::istream* in = &std::cin;
+        std::string source = "<stdin>";
+        if (!file->empty()) {
+            stream.open(*file, std::ios::binary);
+            if (!stream) {
+                std::cerr << "nimbara check-lines: cannot open " << *file << '\n';
+                status = 2;
+                return;
+            }
+            in = &stream;
+            source = *file;
+        }
+        std::ios::sync_with_stdio(false);
+        const BatchSummary summary = check_line_batch(*in, std::cout, std::cerr, source);
+        std::cout.flush();
+        if (summary.refused > 0) status = 2;
+    });
+}
+
+}  // namespace nimbara::cli

@@ -1,0 +1,16 @@
+#pragma once
+// Each command lives in its own file and registers itself here; a command's callback sets the exit status.
+#include <CLI/CLI.hpp>
+
+namespace nimbara::cli {
+
+void register_document(CLI::App& app, int& status);
+void register_check_lines(CLI::App& app, int& status);
+
+inline void register_commands(CLI::App& app, int& status)
+{
+    register_document(app, status);
+    register_check_lines(app, status);
+}
+
+}  // namespace nimbara::cli
