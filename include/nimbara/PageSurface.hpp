@@ -1,0 +1,69 @@
+#pragma once
+// The printer object: exactly the operations the printing logic uses, in twips, with the state
+// (position, font, fill) that the logic relies on between calls. A host may hand its own.
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nimbara {
+
+// A picture asset: natural size in pixels (a pixel is 15 twips) and its raster, drawn at
+// `oversample` times that size so it stays crisp when placed at its natural size.
+struct Picture {
+    std::string name;     // the name of the control that held it, e.g. "Pic_Barra_A1"
+    int width_px = 0;
+    int height_px = 0;
+    int oversample = 1;
+    std::vector<std::uint32_t> argb;  // (width_px * oversample) x (height_px * oversample), row-major, 0xAARRGGBB
+
+    double width_twips() const { return width_px * 15.0; }
+    double height_twips() const { return height_px * 15.0; }
+};
+
+// Colours are 24-bit values in the Windows byte order (0x00BBGGRR).
+using Colour = std::int32_t;
+inline constexpr Colour kBlack = 0;
+inline constexpr Colour kPanelGrey = 14013909;  // 0xD5D5D5
+
+// Surface operations report a failure by throwing std::exception; the printing routines catch it,
+// log it and go on, so a page with faults still comes out.
+class PageSurface {
+public:
+    virtual ~PageSurface() = default;
+
+    virtual void setScaleMode(int mode) = 0;         // always 1, twips
+    virtual void setOrientation(int orientation) = 0;  // 2: landscape
+    virtual void setPaperSize(int size) = 0;         // 9: A4
+    virtual void setTrackDefault(bool track) = 0;
+
+    virtual void setFontName(std::string_view name) = 0;
+    virtual void setFontSize(double points) = 0;
+    virtual void setFontBold(bool bold) = 0;
+    virtual void setForeColor(Colour colour) = 0;
+    virtual void setFillColor(Colour colour) = 0;
+    virtual void setFillStyle(int style) = 0;
+    virtual void setDrawMode(int mode) = 0;
+
+    virtual void setCurrentX(double twips) = 0;
+    virtual void setCurrentY(double twips) = 0;
+    virtual double CurrentX() const = 0;
+    virtual double CurrentY() const = 0;
+
+    // Writes the text with its top-left at the current position, then moves down one line of the
+    // current font and back to the left edge.
+    virtual void Print(std::string_view text) = 0;
+    virtual double TextWidth(std::string_view text) = 0;
+    // Flags 20: a rectangle between the corners, outlined in the fore colour and filled with the
+    // current fill colour and style.
+    virtual void Line(int flags, double x1, double y1, double x2, double y2, Colour colour) = 0;
+    virtual void Circle(int flags, double x, double y, double radius, Colour colour, double start, double end,
+                        double aspect) = 0;
+    // Draws the picture at its natural size with its top-left at (x, y).
+    virtual void PaintPicture(const Picture& picture, double x, double y) = 0;
+    virtual void NewPage() = 0;
+    virtual void EndDoc() = 0;
+};
+
+}  // namespace nimbara
