@@ -16,6 +16,18 @@ public:
                                      std::string_view strFormato, std::string_view bolPreTratamento,
                                      std::string_view strDesconto, std::string_view strCodAmbitoDist,
                                      std::string_view strCodAmostraDireta, std::string_view strListaServEsp) const;
+
+    // The lists of values, handed out exactly as the catalogue holds them. The lists of speeds,
+    // formats, sampling deliveries and zones hold the same rows; the accepted values of those
+    // dimensions stand in the possible-value documents.
+    std::string_view getProdutoLOV() const;
+    std::string_view getVelocidadeLOV() const;
+    std::string_view getFormatoLOV() const;
+    std::string_view getDescontosLOV() const;
+    std::string_view getSEspeciaisLOV() const;
+    std::string_view getEntregaSamplingLOV() const;
+    std::string_view getAmbitoDistribuicaoLOV() const;
+    std::string_view getZonaTaxacaoLOV() const;
 };
 
 }  // namespace nimbara

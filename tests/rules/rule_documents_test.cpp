@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "nimbara/GlobalXML.hpp"
+#include "support/rule_table_file.hpp"
 
 namespace xml = nimbara::GlobalXML;
 
@@ -36,38 +35,8 @@ std::vector<Row> rows_of(std::string_view text, std::vector<std::string>* tags =
     return rows;
 }
 
-// The rule table as a person reads data/rules.tsv: one line per rule, blank-separated codes.
-struct TableRow {
-    std::vector<std::string> f;
-};
-std::vector<TableRow> read_table()
-{
-    std::ifstream in(std::string(NIMBARA_SOURCE_DIR) + "/data/rules.tsv");
-    std::vector<TableRow> rows;
-    std::string line;
-    bool header = true;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#') continue;
-        if (header) { header = false; continue; }
-        TableRow r;
-        std::stringstream s(line);
-        std::string field;
-        while (std::getline(s, field, '\t')) r.f.push_back(field);
-        while (r.f.size() < 13) r.f.emplace_back();
-        rows.push_back(r);
-    }
-    return rows;
-}
-
-std::vector<std::string> split_blanks(const std::string& s)
-{
-    std::vector<std::string> out;
-    std::stringstream in(s);
-    std::string w;
-    while (in >> w)
-        if (w != "-") out.push_back(w);
-    return out;
-}
+using nimbara::testing::read_rule_table_file;
+using nimbara::testing::split_blanks;
 
 struct DimensionDoc {
     std::string_view function;
@@ -119,7 +88,7 @@ TEST(RuleDocuments, RuleListHasEveryRuleOnceInTableOrder)
     EXPECT_EQ(tags, (std::vector<std::string>{"CODVALIDACAO", "CODPRODUTO", "ACTIVO"}));
     ASSERT_EQ(rows.size(), 141u);
     std::vector<Row> expected;
-    for (const auto& t : read_table())
+    for (const auto& t : read_rule_table_file())
         if (t.f[2] != "-") expected.push_back({{t.f[0], t.f[1], t.f[2] == "Y" ? "TRUE" : "FALSE"}});
     EXPECT_EQ(rows, expected);
     EXPECT_EQ(rows.front().values, (std::vector<std::string>{"0", "", "TRUE"}));
@@ -136,7 +105,7 @@ TEST(RuleDocuments, WeightDocumentRepeatsItsLastRow)
     ASSERT_EQ(rows.size(), 142u);
     EXPECT_EQ(rows[140], rows[141]);
     std::vector<Row> expected;
-    for (const auto& t : read_table())
+    for (const auto& t : read_rule_table_file())
         if (t.f[2] != "-") expected.push_back({{t.f[0], t.f[3], t.f[4], t.f[1]}});
     expected.push_back(expected.back());
     EXPECT_EQ(rows, expected);
@@ -144,7 +113,7 @@ TEST(RuleDocuments, WeightDocumentRepeatsItsLastRow)
 
 TEST(RuleDocuments, DimensionDocumentsMatchTheTableRowForRow)
 {
-    const auto table = read_table();
+    const auto table = read_rule_table_file();
     for (const auto& d : kDimensionDocs) {
         std::vector<std::string> tags;
         const auto rows = rows_of(*xml::document(d.function), &tags);

@@ -1,0 +1,188 @@
+#include "validation/possible_values.hpp"
+
+#include <initializer_list>
+#include <optional>
+
+#include "foundation/text.hpp"
+#include "nimbara/GlobalXML.hpp"
+#include "platform/list_document.hpp"
+
+namespace nimbara::validation {
+namespace {
+
+using platform::ListDocument;
+
+// Each document is parsed on first use and kept, since it never changes; nothing when it does not load.
+template <std::string_view (*Text)()>
+const ListDocument* parsed()
+{
+    static const std::optional<ListDocument> doc = ListDocument::parse(Text());
+    return doc ? &*doc : nullptr;
+}
+
+struct Filter {
+    const char* tag;
+    std::string_view value;
+};
+
+enum class LabelRule {
+    Tag,           // the label tag as it stands
+    VazioForZero,  // "Vazio" for code "0", else the label tag
+    Selection,     // code and label from whether PRETRATAMENTO reads "TRUE"
+};
+
+struct Query {
+    const ListDocument* doc;
+    std::initializer_list<Filter> filters;
+    std::optional<std::int32_t> weight;  // the half-open test, where the procedure takes a weight
+    bool min_only = false;               // the bent test: only the minimum is compared
+    const char* code_tag;
+    const char* label_tag;
+    LabelRule rule = LabelRule::Tag;
+};
+
+// Walks the document from first row to last, taking every row whose filter tags equal their
+// arguments and whose range holds the weight. A tag a row lacks reads as the empty text, and as 0
+// where a bound is read; a bound that is no number ends the walk as a failure.
+PossibleValues walk(const Query& q)
+{
+    if (!q.doc) return PossibleValuesFailed{};
+    const ListDocument& doc = *q.doc;
+    const auto text = [&doc](std::size_t row, std::optional<std::size_t> column) -> std::string_view {
+        if (!column) return {};
+        const auto& v = doc.value(row, *column);
+        return v ? std::string_view(*v) : std::string_view{};
+    };
+    const auto bound = [&doc](std::size_t row, std::optional<std::size_t> column) -> std::optional<std::int32_t> {
+        if (!column || !doc.value(row, *column)) return 0;
+        return text::to_int32(*doc.value(row, *column));
+    };
+
+    std::vector<std::pair<std::optional<std::size_t>, std::string_view>> filters;
+    for (const auto& f : q.filters) filters.emplace_back(doc.column(f.tag), f.value);
+    const auto min_column = doc.column("CESCALAOMIN"), max_column = doc.column("CESCALAOMAX");
+    const auto code_column = doc.column(q.code_tag), label_column = doc.column(q.label_tag);
+
+    std::vector<CodeLabel> out;
+    for (std::size_t row = 0; row < doc.rows(); ++row) {
+        if (q.weight) {
+            // Both bounds are read before the filters decide, so a bad bound anywhere fails the call.
+            const auto min = bound(row, min_column), max = bound(row, max_column);
+            if (!min || !max) return PossibleValuesFailed{};
+            const bool in_range = q.min_only ? *min <= *q.weight : *min < *q.weight && *max >= *q.weight;
+            if (!in_range) continue;
+        }
+        bool taken = true;
+        for (const auto& [column, value] : filters) taken = taken && text(row, column) == value;
+        if (!taken) continue;
+
+        const std::string_view code = text(row, code_column);
+        switch (q.rule) {
+        case LabelRule::Tag: out.push_back({std::string(code), std::string(text(row, label_column))}); break;
+        case LabelRule::VazioForZero:
+            out.push_back({std::string(code), code == "0" ? "Vazio" : std::string(text(row, label_column))});
+            break;
+        case LabelRule::Selection:
+            // The document holds pre-treatment codes, never the word, so every row reads as not selected.
+            out.push_back(code == "TRUE" ? CodeLabel{"1", "Seleccionar"} : CodeLabel{"0", "Não Seleccionar"});
+            break;
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_ZonaTaxacao>(), {{"CODPRODUTO", product}}, std::nullopt, false,
+                 "CODZTAXACAO", "DESIGNACAO"});
+}
+
+PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Peso>(), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+                 std::nullopt, false, "CESCALAOMIN", "CESCALAOMAX"});
+}
+
+PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight)
+{
+    // For products C38 and C10 only the minimum is compared with the weight.
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Velocidade>(), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+                 weight, product == "C38" || product == "C10", "CODVELOCIDADE", "DESIGNACAO"});
+}
+
+PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_view zone, std::string_view speed,
+                                         std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Formato>(),
+                 {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}}, weight, false, "CODFORMATO",
+                 "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::string_view zone, std::string_view speed,
+                                               std::string_view format, std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_PreTratamento>(),
+                 {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}},
+                 weight, false, "PRETRATAMENTO", "PRETRATAMENTO", LabelRule::Selection});
+}
+
+PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
+                                          std::string_view format, std::string_view pre_treatment, std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Desconto>(),
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment}},
+                 weight, false, "CODDESCONTO", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, std::string_view zone,
+                                                    std::string_view speed, std::string_view format,
+                                                    std::string_view pre_treatment, std::int32_t weight)
+{
+    // Reads the discount tag of its own document, so it lists discount codes: that is how it has always answered.
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_AmbitoDistribuicao>(),
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment}},
+                 weight, false, "CODDESCONTO", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::string_view zone, std::string_view speed,
+                                               std::string_view format, std::string_view pre_treatment,
+                                               std::string_view scope, std::int32_t weight)
+{
+    // The sampling document stands shifted, with delivery labels where a minimum belongs, so the
+    // bound of its first labelled row fails this call whatever the arguments.
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_EntregaSampling>(),
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment},
+                  {"CODAMBITODIST", scope}},
+                 weight, false, "CODENTREGASAMPLING", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+PossibleValues GetPossibleValues_ServicosEspeciais(std::string_view product, std::string_view zone,
+                                                   std::string_view speed, std::string_view format,
+                                                   std::string_view pre_treatment, std::string_view discount,
+                                                   std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_ServicosEspeciais>(),
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment},
+                  {"CODDESCONTO", discount}},
+                 weight, false, "CODSERVICOE", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+}  // namespace nimbara::validation
