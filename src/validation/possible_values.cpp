@@ -5,19 +5,43 @@
 
 #include "foundation/text.hpp"
 #include "nimbara/GlobalXML.hpp"
-#include "platform/list_document.hpp"
+#include "rules/list_document.hpp"
 
 namespace nimbara::validation {
 namespace {
 
-using platform::ListDocument;
+using rules::ListDocument;
 
-// Each document is parsed on first use and kept, since it never changes; nothing when it does not load.
-template <std::string_view (*Text)()>
-const ListDocument* parsed()
+// A document parsed once, with its weight bounds converted once per row: it never changes. A bound
+// whose tag the row lacks reads as 0; one that is no 32-bit number is nothing.
+struct Parsed {
+    ListDocument doc;
+    std::vector<std::optional<std::int32_t>> min, max;
+};
+
+std::optional<Parsed> prepare(std::string_view text)
 {
-    static const std::optional<ListDocument> doc = ListDocument::parse(Text());
-    return doc ? &*doc : nullptr;
+    auto doc = ListDocument::parse(text);
+    if (!doc) return std::nullopt;
+    Parsed p{std::move(*doc), {}, {}};
+    const auto convert = [&p](const char* tag, std::vector<std::optional<std::int32_t>>& out) {
+        const auto column = p.doc.column(tag);
+        for (std::size_t row = 0; row < p.doc.rows(); ++row) {
+            const auto v = column ? p.doc.value(row, *column) : std::nullopt;
+            out.push_back(v ? text::to_int32(*v) : 0);
+        }
+    };
+    convert("CESCALAOMIN", p.min);
+    convert("CESCALAOMAX", p.max);
+    return p;
+}
+
+// Nothing when the document does not load.
+template <std::string_view (*Text)()>
+const Parsed* parsed()
+{
+    static const std::optional<Parsed> p = prepare(Text());
+    return p ? &*p : nullptr;
 }
 
 struct Filter {
@@ -32,7 +56,7 @@ enum class LabelRule {
 };
 
 struct Query {
-    const ListDocument* doc;
+    const Parsed* parsed;
     std::initializer_list<Filter> filters;
     std::optional<std::int32_t> weight;  // the half-open test, where the procedure takes a weight
     bool min_only = false;               // the bent test: only the minimum is compared
@@ -46,28 +70,22 @@ struct Query {
 // where a bound is read; a bound that is no number ends the walk as a failure.
 PossibleValues walk(const Query& q)
 {
-    if (!q.doc) return PossibleValuesFailed{};
-    const ListDocument& doc = *q.doc;
+    if (!q.parsed) return PossibleValuesFailed{};
+    const ListDocument& doc = q.parsed->doc;
     const auto text = [&doc](std::size_t row, std::optional<std::size_t> column) -> std::string_view {
         if (!column) return {};
-        const auto& v = doc.value(row, *column);
-        return v ? std::string_view(*v) : std::string_view{};
-    };
-    const auto bound = [&doc](std::size_t row, std::optional<std::size_t> column) -> std::optional<std::int32_t> {
-        if (!column || !doc.value(row, *column)) return 0;
-        return text::to_int32(*doc.value(row, *column));
+        return doc.value(row, *column).value_or(std::string_view{});
     };
 
     std::vector<std::pair<std::optional<std::size_t>, std::string_view>> filters;
     for (const auto& f : q.filters) filters.emplace_back(doc.column(f.tag), f.value);
-    const auto min_column = doc.column("CESCALAOMIN"), max_column = doc.column("CESCALAOMAX");
     const auto code_column = doc.column(q.code_tag), label_column = doc.column(q.label_tag);
 
     std::vector<CodeLabel> out;
     for (std::size_t row = 0; row < doc.rows(); ++row) {
         if (q.weight) {
             // Both bounds are read before the filters decide, so a bad bound anywhere fails the call.
-            const auto min = bound(row, min_column), max = bound(row, max_column);
+            const auto min = q.parsed->min[row], max = q.parsed->max[row];
             if (!min || !max) return PossibleValuesFailed{};
             const bool in_range = q.min_only ? *min <= *q.weight : *min < *q.weight && *max >= *q.weight;
             if (!in_range) continue;

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "nimbara/GlobalXML.hpp"
+
 namespace {
 
 struct Run {
@@ -90,4 +92,15 @@ TEST(Cli, CheckLinesMissingFile)
     const auto r = run("check-lines /nonexistent/batch.tsv");
     EXPECT_EQ(r.status, 2);
     EXPECT_NE(r.err.find("/nonexistent/batch.tsv"), std::string::npos);
+}
+
+TEST(Cli, ServesEveryCatalogueDocument)
+{
+    const auto names = nimbara::GlobalXML::document_names();
+    EXPECT_EQ(names.size(), 27u) << "ten rule documents, eight lists of values, nine possible-value documents";
+    for (const auto name : names) {
+        const auto r = run("document " + std::string(name));
+        EXPECT_EQ(r.status, 0) << name;
+        EXPECT_EQ(r.out, *nimbara::GlobalXML::document(name)) << name;
+    }
 }
