@@ -109,6 +109,20 @@ PossibleValues walk(const Query& q)
     return out;
 }
 
+// The discount codes of a document, with rule A's labels, for the line's leading fields.
+PossibleValues discount_codes(const Parsed* document, std::string_view product, std::string_view zone,
+                              std::string_view speed, std::string_view format, std::string_view pre_treatment,
+                              std::int32_t weight)
+{
+    return walk({document,
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment}},
+                 weight, false, "CODDESCONTO", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
 }  // namespace
 
 PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product)
@@ -149,13 +163,8 @@ PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::st
 PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
                                           std::string_view format, std::string_view pre_treatment, std::int32_t weight)
 {
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_Desconto>(),
-                 {{"CODPRODUTO", product},
-                  {"CODZTAXACAO", zone},
-                  {"CODVELOCIDADE", speed},
-                  {"CODFORMATO", format},
-                  {"PRETRATAMENTO", pre_treatment}},
-                 weight, false, "CODDESCONTO", "DESIGNACAO", LabelRule::VazioForZero});
+    return discount_codes(parsed<GlobalXML::GetXMLPossibleValues_Desconto>(), product, zone, speed, format,
+                          pre_treatment, weight);
 }
 
 PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, std::string_view zone,
@@ -163,13 +172,8 @@ PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, st
                                                     std::string_view pre_treatment, std::int32_t weight)
 {
     // Reads the discount tag of its own document, so it lists discount codes: that is how it has always answered.
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_AmbitoDistribuicao>(),
-                 {{"CODPRODUTO", product},
-                  {"CODZTAXACAO", zone},
-                  {"CODVELOCIDADE", speed},
-                  {"CODFORMATO", format},
-                  {"PRETRATAMENTO", pre_treatment}},
-                 weight, false, "CODDESCONTO", "DESIGNACAO", LabelRule::VazioForZero});
+    return discount_codes(parsed<GlobalXML::GetXMLPossibleValues_AmbitoDistribuicao>(), product, zone, speed, format,
+                          pre_treatment, weight);
 }
 
 PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::string_view zone, std::string_view speed,
