@@ -38,18 +38,17 @@ void centred_text(cairo_t* cr, const std::string& text, const char* family, bool
     pango_font_description_set_family(desc.get(), family);
     pango_font_description_set_weight(desc.get(), bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
     pango_layout_set_text(layout.get(), text.c_str(), -1);
-    PangoRectangle ink, logical;
+    PangoRectangle logical;
     for (;; px *= 0.95) {
         pango_font_description_set_absolute_size(desc.get(), px * PANGO_SCALE);
         pango_layout_set_font_description(layout.get(), desc.get());
-        pango_layout_get_pixel_extents(layout.get(), &ink, &logical);
+        pango_layout_get_pixel_extents(layout.get(), nullptr, &logical);
         if (logical.width <= room || px < 4) break;
     }
     cairo_save(cr);
     cairo_translate(cr, cx, cy);
     if (turn == Turn::QuarterLeft) cairo_rotate(cr, -std::numbers::pi / 2);
-    // Centre the ink vertically, so capitals and digits sit in the middle whatever the font's leading.
-    cairo_move_to(cr, -logical.width / 2.0 - logical.x, -(ink.y + ink.height / 2.0));
+    cairo_move_to(cr, -logical.width / 2.0 - logical.x, -(logical.y + logical.height / 2.0));
     set_rgb(cr, rgb);
     pango_cairo_show_layout(cr, layout.get());
     cairo_restore(cr);
