@@ -130,8 +130,12 @@ void fill_and_outline(cairo_t* cr, const Fill& fill, Colour outline, double line
         set_colour(cr, fill.colour);
         cairo_fill_preserve(cr);
     } else if (fill.style >= 2 && fill.style <= 7) {
+        // The hatch consumes the path; the outline needs it again.
+        std::unique_ptr<cairo_path_t, decltype(&cairo_path_destroy)> path(cairo_copy_path(cr), cairo_path_destroy);
         set_colour(cr, fill.colour);
         hatch(cr, fill.style, line);
+        cairo_new_path(cr);
+        cairo_append_path(cr, path.get());
     }
     set_colour(cr, outline);
     cairo_set_line_width(cr, line);

@@ -194,3 +194,16 @@ TEST(PdfSurface, PrintMovesDownOneLineAndBackToTheLeft)
     EXPECT_NEAR(s.TextWidth("MMMM"), 4 * s.TextWidth("M"), 0.01);
     EXPECT_GT(s.TextWidth("MMMM"), s.TextWidth("iiii"));
 }
+
+TEST(PdfSurface, HatchedBoxKeepsItsOutline)
+{
+    TempDir dir;
+    PdfSurface s(dir.path / "h.pdf");
+    s.setFillColor(0);
+    s.setFillStyle(2);  // horizontal lines
+    s.Line(20, 1440, 1440, 2880, 2880, 0);
+    const auto img = s.render(1, 144);  // 10 pixels to the inch
+    EXPECT_NE(img.at(144, 200), 0xFFFFFFu) << "outline of the left side";
+    EXPECT_EQ(img.at(200, 150), 0xFFFFFFu) << "between the hatch lines";
+    EXPECT_NE(img.at(200, 156), 0xFFFFFFu) << "a hatch line";
+}
