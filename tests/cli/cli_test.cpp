@@ -104,3 +104,32 @@ TEST(Cli, ServesEveryCatalogueDocument)
         EXPECT_EQ(r.out, *nimbara::GlobalXML::document(name)) << name;
     }
 }
+
+TEST(Cli, FormWritesAPdfAndAPreview)
+{
+    const auto dir = std::filesystem::temp_directory_path() / ("nimbara-cli-form-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(dir);
+    const auto pdf = dir / "form.pdf", png = dir / "form.png";
+    const auto r = run("form --edition database --copy 2 --date 2024-03-15 --left 2.5 --top 1 --out " + pdf.string() +
+                       " --png " + png.string());
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, pdf.string() + "\n" + png.string() + "\n");
+    EXPECT_GT(std::filesystem::file_size(pdf), 1000u);
+    EXPECT_GT(std::filesystem::file_size(png), 1000u);
+
+    const struct {
+        const char* args;
+        const char* named;
+    } refused[] = {
+        {"form --out /nonexistent-folder/form.pdf", "/nonexistent-folder/form.pdf"},
+        {"form --out X.pdf --edition paper", "--edition"},
+        {"form --out X.pdf --left north", "--left"},
+    };
+    for (const auto& c : refused) {
+        const auto bad = run(c.args);
+        EXPECT_EQ(bad.status, 2) << c.args;
+        EXPECT_NE(bad.err.find(c.named), std::string::npos) << bad.err;
+    }
+    EXPECT_FALSE(std::filesystem::exists("X.pdf"));
+    std::filesystem::remove_all(dir);
+}

@@ -6,11 +6,13 @@ namespace nimbara::cli {
 
 void register_document(CLI::App& app, int& status);
 void register_check_lines(CLI::App& app, int& status);
+void register_form(CLI::App& app, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
     register_document(app, status);
     register_check_lines(app, status);
+    register_form(app, status);
 }
 
 }  // namespace nimbara::cli
