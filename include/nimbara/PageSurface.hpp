@@ -9,14 +9,19 @@
 
 namespace nimbara {
 
+// A resolution-free drawing of a picture, made and read by the platform layer only.
+struct PictureArt;
+
 // A picture asset: natural size in pixels (a pixel is 15 twips) and its raster, drawn at
-// `oversample` times that size so it stays crisp when placed at its natural size.
+// `oversample` times that size so it stays crisp when placed at its natural size. Pictures drawn by
+// our own code also carry their drawing, which a vector surface prefers to the raster.
 struct Picture {
     std::string name;     // the name of the control that held it, e.g. "Pic_Barra_A1"
     int width_px = 0;
     int height_px = 0;
     int oversample = 1;
     std::vector<std::uint32_t> argb;  // (width_px * oversample) x (height_px * oversample), row-major, 0xAARRGGBB
+    std::shared_ptr<const PictureArt> art;  // may be empty
 
     double width_twips() const { return width_px * 15.0; }
     double height_twips() const { return height_px * 15.0; }

@@ -1,5 +1,5 @@
-// The picture assets of the printed page, drawn with cairo and pango at kPictureOversample times
-// their natural pixel size.
+// The picture assets of the printed page, drawn with cairo and pango: as a recording for vector
+// surfaces, and as a raster at kPictureOversample times their natural pixel size.
 #include <cairo.h>
 #include <pango/pangocairo.h>
 
@@ -11,6 +11,7 @@
 #include <string>
 
 #include "nimbara/FormImpressao.hpp"
+#include "platform/picture_art.hpp"
 
 namespace nimbara {
 namespace {
@@ -54,8 +55,30 @@ void centred_text(cairo_t* cr, const std::string& text, const char* family, bool
     cairo_restore(cr);
 }
 
-// Draws a picture of w x h natural pixels on a ground of the given colour.
-Picture draw(const std::string& name, int w, int h, std::uint32_t ground, const std::function<void(cairo_t*)>& art)
+using Art = std::function<void(cairo_t*)>;
+
+void paint_ground_and_art(cairo_t* cr, std::uint32_t ground, const Art& art)
+{
+    set_rgb(cr, ground);
+    cairo_paint(cr);
+    art(cr);
+}
+
+// The drawing kept as a recording, so that a PDF carries the picture as vectors and text.
+std::shared_ptr<const PictureArt> record(const std::string& name, int w, int h, std::uint32_t ground, const Art& art)
+{
+    const cairo_rectangle_t extents{0, 0, double(w), double(h)};
+    std::shared_ptr<cairo_surface_t> surface(cairo_recording_surface_create(CAIRO_CONTENT_COLOR, &extents),
+                                             cairo_surface_destroy);
+    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cr(cairo_create(surface.get()), cairo_destroy);
+    if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("cannot record picture " + name);
+    paint_ground_and_art(cr.get(), ground, art);
+    return std::make_shared<const PictureArt>(PictureArt{std::move(surface)});
+}
+
+// Draws a picture of w x h natural pixels on a ground of the given colour: its raster for surfaces
+// that want pixels, and its recording.
+Picture draw(const std::string& name, int w, int h, std::uint32_t ground, const Art& art)
 {
     const int os = kPictureOversample;
     std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
@@ -63,12 +86,10 @@ Picture draw(const std::string& name, int w, int h, std::uint32_t ground, const 
     std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cr(cairo_create(surface.get()), cairo_destroy);
     if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("cannot draw picture " + name);
     cairo_scale(cr.get(), os, os);
-    set_rgb(cr.get(), ground);
-    cairo_paint(cr.get());
-    art(cr.get());
+    paint_ground_and_art(cr.get(), ground, art);
     cairo_surface_flush(surface.get());
 
-    Picture p{name, w, h, os, {}};
+    Picture p{name, w, h, os, {}, record(name, w, h, ground, art)};
     p.argb.resize(static_cast<std::size_t>(w * os) * (h * os));
     const auto* base = cairo_image_surface_get_data(surface.get());
     const int stride = cairo_image_surface_get_stride(surface.get());
@@ -79,24 +100,33 @@ Picture draw(const std::string& name, int w, int h, std::uint32_t ground, const 
     return p;
 }
 
-// A column strip: its caption along it, turned a quarter turn, white on mid-grey.
-Picture strip(const std::string& name, int w, int h, const std::string& caption, double caption_left = 0)
+// A column strip's caption along it, turned a quarter turn, white on mid-grey.
+Art strip_caption(int w, int h, const std::string& caption, double caption_left = 0)
 {
-    return draw(name, w, h, kStripGreyRgb, [&](cairo_t* cr) {
+    return [=](cairo_t* cr) {
         const double room_across = w - caption_left;
         centred_text(cr, caption, "Arial", true, std::min(room_across * 0.62, 9.5), caption_left + room_across / 2,
                      h / 2.0, kWhite, Turn::QuarterLeft, h - 10);
-    });
+    };
 }
 
-// The first strip also carries the row numbers: twelve black cells on the rows of the table, whose
-// rules lie 6 mm apart from 47 mm, the strip starting at 41.5 mm.
+Picture strip(const std::string& name, int w, int h, const std::string& caption)
+{
+    return draw(name, w, h, kStripGreyRgb, strip_caption(w, h, caption));
+}
+
+// The first strip also carries the row numbers in its left half: twelve black cells on the rows of
+// the table, whose rules lie 6 mm apart from 47 mm, the strip starting at 41.5 mm.
 Picture first_strip()
 {
     constexpr int w = 38, h = 272, cells_w = 19;
-    Picture p = strip("Pic_Barra_A1", w, h, "ZONA DE TAXAÇÃO (Destinos)", cells_w);
     const auto px_of_mm = [](double mm) { return (mm - 41.5) * 56.7 / 15.0; };
-    Picture cells = draw("cells", cells_w, h, kWhite, [&](cairo_t* cr) {
+    const Art caption = strip_caption(w, h, "ZONA DE TAXAÇÃO (Destinos)", cells_w);
+    return draw("Pic_Barra_A1", w, h, kStripGreyRgb, [&](cairo_t* cr) {
+        caption(cr);
+        set_rgb(cr, kWhite);
+        cairo_rectangle(cr, 0, 0, cells_w, h);
+        cairo_fill(cr);
         for (int row = 0; row < 12; ++row) {
             const double top = row == 0 ? 0 : px_of_mm(47 + 6 * (row - 1)) + 0.5;
             const double bottom = row == 11 ? h : px_of_mm(47 + 6 * row) - 0.5;
@@ -106,11 +136,6 @@ Picture first_strip()
             centred_text(cr, std::to_string(row + 1), "Arial", true, 10, cells_w / 2.0, (top + bottom) / 2, kWhite);
         }
     });
-    const int os = kPictureOversample;
-    for (int y = 0; y < h * os; ++y)
-        for (int x = 0; x < cells_w * os; ++x)
-            p.argb[static_cast<std::size_t>(y) * (w * os) + x] = cells.argb[static_cast<std::size_t>(y) * (cells_w * os) + x];
-    return p;
 }
 
 Picture logo(const std::string& name, int w, int h, bool word_below)

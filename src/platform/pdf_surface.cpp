@@ -1,4 +1,5 @@
 #include "platform/pdf_surface.hpp"
+#include "platform/picture_art.hpp"
 
 #include <cairo-pdf.h>
 #include <cairo.h>
@@ -536,6 +537,11 @@ void PdfSurface::Circle(int, double x, double y, double radius, Colour, double s
 
 void PdfSurface::PaintPicture(const Picture& picture, double x, double y)
 {
+    // A drawing stays vectors in the PDF and costs no raster compression per job.
+    if (picture.art) {
+        impl_->page().ops.push_back(PictureOp{x, y, 15.0, picture.art->recording});
+        return;
+    }
     auto image = impl_->picture_surface(picture);
     impl_->page().ops.push_back(PictureOp{x, y, 15.0 / picture.oversample, std::move(image)});
 }
