@@ -44,15 +44,25 @@ std::optional<double> to_number(std::string_view s)
     return value;
 }
 
-std::optional<std::int16_t> to_int16(std::string_view s)
+namespace {
+
+// Whole numbers are converted as the old component did: rounded half to even, and refused when the
+// rounded value does not fit the target type.
+template <class Int>
+std::optional<Int> to_rounded(std::string_view s)
 {
     const auto value = to_number(s);
     if (!value) return std::nullopt;
     const double rounded = std::nearbyint(*value);  // the default rounding mode rounds half to even
-    if (rounded < std::numeric_limits<std::int16_t>::min() || rounded > std::numeric_limits<std::int16_t>::max())
-        return std::nullopt;
-    return static_cast<std::int16_t>(rounded);
+    if (rounded < std::numeric_limits<Int>::min() || rounded > std::numeric_limits<Int>::max()) return std::nullopt;
+    return static_cast<Int>(rounded);
 }
+
+}  // namespace
+
+std::optional<std::int16_t> to_int16(std::string_view s) { return to_rounded<std::int16_t>(s); }
+
+std::optional<std::int32_t> to_int32(std::string_view s) { return to_rounded<std::int32_t>(s); }
 
 std::optional<std::int32_t> parse_int32(std::string_view s)
 {
