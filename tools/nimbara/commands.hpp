@@ -6,11 +6,15 @@ namespace nimbara::cli {
 
 void register_document(CLI::App& app, int& status);
 void register_check_lines(CLI::App& app, int& status);
+void register_print(CLI::App& app, int& status);
+void register_check(CLI::App& app, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
     register_document(app, status);
     register_check_lines(app, status);
+    register_print(app, status);
+    register_check(app, status);
 }
 
 }  // namespace nimbara::cli
