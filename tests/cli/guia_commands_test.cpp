@@ -4,24 +4,15 @@
 #include <fstream>
 
 #include "cli_run.hpp"
+#include "support/temp_folder.hpp"
 
 using nimbara::testing::run;
 namespace fs = std::filesystem;
 
 namespace {
 
-// A fresh folder for the reports of one test, removed afterwards.
 class GuiaCommands : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        dir_ = fs::temp_directory_path() /
-               ("nimbara-guia-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
 
     std::string example(const std::string& name) const { return std::string(NIMBARA_SOURCE_DIR) + "/examples/" + name; }
     std::string write(const std::string& name, const std::string& text) const
@@ -37,7 +28,8 @@ protected:
     }
     std::string report_dir() const { return " --report-dir " + dir_.string(); }
 
-    fs::path dir_;
+    nimbara::testing::TempFolder folder_;
+    const fs::path& dir_ = folder_.path();
 };
 
 std::string answer_log(const std::string& answer)

@@ -5,6 +5,7 @@
 #include <regex>
 
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "support/temp_folder.hpp"
 
 using nimbara::cls_ValProdutosA;
 namespace fs = std::filesystem;
@@ -22,16 +23,7 @@ struct Line {
 // Reports go to a fresh folder per test.
 class Report : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        dir_ = fs::temp_directory_path() /
-               ("nimbara-report-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-        guia_.setReportFolder(dir_);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
+    void SetUp() override { guia_.setReportFolder(dir_); }
 
     void header() { guia_.PreencheCabecalho("7", "", "456", "", "", "Ana", "", "", "", "", "", "", "", "", "", "", "2026/7", "", "", "0"); }
     void add(const Line& l)
@@ -58,7 +50,8 @@ protected:
 
     int files() const { return static_cast<int>(std::distance(fs::directory_iterator(dir_), {})); }
 
-    fs::path dir_;
+    nimbara::testing::TempFolder folder_;
+    const fs::path& dir_ = folder_.path();
     cls_ValProdutosA guia_;
 };
 

@@ -4,8 +4,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <span>
-#include <sstream>
 #include <string_view>
 #include <tuple>
 
