@@ -11,6 +11,7 @@
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "support/literal_validator.hpp"
 #include "validation/line_validator.hpp"
+#include "validation/possible_values.hpp"
 
 namespace {
 
@@ -62,6 +63,31 @@ void BM_ValidateLineLiteral(benchmark::State& state)
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 BENCHMARK(BM_ValidateLineLiteral);
+
+// What ImprimeGuia asks after a failed line: one call of each possible-value procedure with the
+// line's fields. Items are single calls, so the time per item bounds each procedure's time.
+void BM_PossibleValues(benchmark::State& state)
+{
+    namespace nv = nimbara::validation;
+    const LineInput& l = line_mix()[8];  // fails on the format
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(nv::GetPossibleValues_ZonaTaxacao(l.product));
+        benchmark::DoNotOptimize(nv::GetPossibleValues_Peso(l.product, l.zone));
+        benchmark::DoNotOptimize(nv::GetPossibleValues_Velocidade(l.product, l.zone, l.weight));
+        benchmark::DoNotOptimize(nv::GetPossibleValues_Formato(l.product, l.zone, l.speed, l.weight));
+        benchmark::DoNotOptimize(nv::GetPossibleValues_PreTratamento(l.product, l.zone, l.speed, l.format, l.weight));
+        benchmark::DoNotOptimize(
+            nv::GetPossibleValues_Desconto(l.product, l.zone, l.speed, l.format, l.pre_treatment, l.weight));
+        benchmark::DoNotOptimize(
+            nv::GetPossibleValues_AmbitoDistribuicao(l.product, l.zone, l.speed, l.format, l.pre_treatment, l.weight));
+        benchmark::DoNotOptimize(nv::GetPossibleValues_AmostraDireta(l.product, l.zone, l.speed, l.format,
+                                                                     l.pre_treatment, l.scope, l.weight));
+        benchmark::DoNotOptimize(nv::GetPossibleValues_ServicosEspeciais(l.product, l.zone, l.speed, l.format,
+                                                                         l.pre_treatment, l.discount, l.weight));
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * 9);
+}
+BENCHMARK(BM_PossibleValues);
 
 // Prints the usual table, then the indexed validator's speed as a multiple of the literal one's.
 class RatioReporter : public benchmark::ConsoleReporter {

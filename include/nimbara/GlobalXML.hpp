@@ -20,6 +20,27 @@ std::string_view getXML_DoValAmbitoDist();
 std::string_view getXML_DoValEntrega_Sampling();
 std::string_view getXML_DoValServEsp();
 
+// Lists of values: the codes and labels of a dimension, in mixed case.
+std::string_view getXML_ProdutoLOV();
+std::string_view getXML_VelocidadeLOV();
+std::string_view getXML_FormatoLOV();
+std::string_view getXML_DescontosLOV();
+std::string_view getXML_SEspeciaisLOV();
+std::string_view getXML_EntregaSamplingLOV();
+std::string_view getXML_AmbitoDistribuicaoLOV();
+std::string_view getXML_ZonaTaxacaoLOV();
+
+// Possible-value documents: the rule set flattened for saying what would have been accepted.
+std::string_view GetXMLPossibleValues_ZonaTaxacao();
+std::string_view GetXMLPossibleValues_Peso();
+std::string_view GetXMLPossibleValues_Velocidade();
+std::string_view GetXMLPossibleValues_Formato();
+std::string_view GetXMLPossibleValues_PreTratamento();
+std::string_view GetXMLPossibleValues_Desconto();
+std::string_view GetXMLPossibleValues_AmbitoDistribuicao();
+std::string_view GetXMLPossibleValues_EntregaSampling();
+std::string_view GetXMLPossibleValues_ServicosEspeciais();
+
 // A document by its function's name, or nothing for an unknown name.
 std::optional<std::string_view> document(std::string_view function_name);
 

@@ -22,6 +22,18 @@ public:
                                      std::string_view strDesconto, std::string_view strCodAmbitoDist,
                                      std::string_view strCodAmostraDireta, std::string_view strListaServEsp) const;
 
+    // The lists of values, handed out exactly as the catalogue holds them. The lists of speeds,
+    // formats, sampling deliveries and zones hold the same rows; the accepted values of those
+    // dimensions stand in the possible-value documents.
+    std::string_view getProdutoLOV() const;
+    std::string_view getVelocidadeLOV() const;
+    std::string_view getFormatoLOV() const;
+    std::string_view getDescontosLOV() const;
+    std::string_view getSEspeciaisLOV() const;
+    std::string_view getEntregaSamplingLOV() const;
+    std::string_view getAmbitoDistribuicaoLOV() const;
+    std::string_view getZonaTaxacaoLOV() const;
+
     // ---- The in-memory Guia --------------------------------------------------------------------
     // Values are stored trimmed; an argument that is the empty text leaves its cell empty.
 

@@ -46,10 +46,8 @@ std::optional<double> to_number(std::string_view s)
 
 namespace {
 
-// Whole numbers are converted as the old component did: rounded half to even, and refused when the
-// rounded value does not fit the target type.
 template <class Int>
-std::optional<Int> to_rounded(std::string_view s)
+std::optional<Int> to_integer(std::string_view s)
 {
     const auto value = to_number(s);
     if (!value) return std::nullopt;
@@ -60,9 +58,9 @@ std::optional<Int> to_rounded(std::string_view s)
 
 }  // namespace
 
-std::optional<std::int16_t> to_int16(std::string_view s) { return to_rounded<std::int16_t>(s); }
+std::optional<std::int16_t> to_int16(std::string_view s) { return to_integer<std::int16_t>(s); }
 
-std::optional<std::int32_t> to_int32(std::string_view s) { return to_rounded<std::int32_t>(s); }
+std::optional<std::int32_t> to_int32(std::string_view s) { return to_integer<std::int32_t>(s); }
 
 std::optional<std::int32_t> parse_int32(std::string_view s)
 {

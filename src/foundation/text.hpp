@@ -20,7 +20,8 @@ std::optional<double> to_number(std::string_view s);
 // A 16-bit integer converted from text: rounded half to even, refused outside -32768..32767.
 std::optional<std::int16_t> to_int16(std::string_view s);
 
-// A 32-bit integer converted from text: rounded half to even, refused outside the 32-bit range.
+// A 32-bit integer converted from text as `to_int16` does: rounded half to even, refused outside
+// the 32-bit range.
 std::optional<std::int32_t> to_int32(std::string_view s);
 
 // A 32-bit whole number written in decimal, with nothing else but an optional sign.

@@ -56,4 +56,22 @@ std::string_view getXML_DoValAmbitoDist() { static const auto t = required("getX
 std::string_view getXML_DoValEntrega_Sampling() { static const auto t = required("getXML_DoValEntrega_Sampling"); return t; }
 std::string_view getXML_DoValServEsp() { static const auto t = required("getXML_DoValServEsp"); return t; }
 
+std::string_view getXML_ProdutoLOV() { static const auto t = required("getXML_ProdutoLOV"); return t; }
+std::string_view getXML_VelocidadeLOV() { static const auto t = required("getXML_VelocidadeLOV"); return t; }
+std::string_view getXML_FormatoLOV() { static const auto t = required("getXML_FormatoLOV"); return t; }
+std::string_view getXML_DescontosLOV() { static const auto t = required("getXML_DescontosLOV"); return t; }
+std::string_view getXML_SEspeciaisLOV() { static const auto t = required("getXML_SEspeciaisLOV"); return t; }
+std::string_view getXML_EntregaSamplingLOV() { static const auto t = required("getXML_EntregaSamplingLOV"); return t; }
+std::string_view getXML_AmbitoDistribuicaoLOV() { static const auto t = required("getXML_AmbitoDistribuicaoLOV"); return t; }
+std::string_view getXML_ZonaTaxacaoLOV() { static const auto t = required("getXML_ZonaTaxacaoLOV"); return t; }
+std::string_view GetXMLPossibleValues_ZonaTaxacao() { static const auto t = required("GetXMLPossibleValues_ZonaTaxacao"); return t; }
+std::string_view GetXMLPossibleValues_Peso() { static const auto t = required("GetXMLPossibleValues_Peso"); return t; }
+std::string_view GetXMLPossibleValues_Velocidade() { static const auto t = required("GetXMLPossibleValues_Velocidade"); return t; }
+std::string_view GetXMLPossibleValues_Formato() { static const auto t = required("GetXMLPossibleValues_Formato"); return t; }
+std::string_view GetXMLPossibleValues_PreTratamento() { static const auto t = required("GetXMLPossibleValues_PreTratamento"); return t; }
+std::string_view GetXMLPossibleValues_Desconto() { static const auto t = required("GetXMLPossibleValues_Desconto"); return t; }
+std::string_view GetXMLPossibleValues_AmbitoDistribuicao() { static const auto t = required("GetXMLPossibleValues_AmbitoDistribuicao"); return t; }
+std::string_view GetXMLPossibleValues_EntregaSampling() { static const auto t = required("GetXMLPossibleValues_EntregaSampling"); return t; }
+std::string_view GetXMLPossibleValues_ServicosEspeciais() { static const auto t = required("GetXMLPossibleValues_ServicosEspeciais"); return t; }
+
 }  // namespace nimbara::GlobalXML

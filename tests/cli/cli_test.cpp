@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "cli_run.hpp"
+#include "nimbara/GlobalXML.hpp"
 
 using nimbara::testing::run;
 
@@ -57,4 +58,44 @@ TEST(Cli, CheckLinesMissingFile)
     const auto r = run("check-lines /nonexistent/batch.tsv");
     EXPECT_EQ(r.status, 2);
     EXPECT_NE(r.err.find("/nonexistent/batch.tsv"), std::string::npos);
+}
+
+TEST(Cli, ServesEveryCatalogueDocument)
+{
+    const auto names = nimbara::GlobalXML::document_names();
+    EXPECT_EQ(names.size(), 27u) << "ten rule documents, eight lists of values, nine possible-value documents";
+    for (const auto name : names) {
+        const auto r = run("document " + std::string(name));
+        EXPECT_EQ(r.status, 0) << name;
+        EXPECT_EQ(r.out, *nimbara::GlobalXML::document(name)) << name;
+    }
+}
+
+TEST(Cli, FormWritesAPdfAndAPreview)
+{
+    const auto dir = std::filesystem::temp_directory_path() / ("nimbara-cli-form-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(dir);
+    const auto pdf = dir / "form.pdf", png = dir / "form.png";
+    const auto r = run("form --edition database --copy 2 --date 2024-03-15 --left 2.5 --top 1 --out " + pdf.string() +
+                       " --png " + png.string());
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, pdf.string() + "\n" + png.string() + "\n");
+    EXPECT_GT(std::filesystem::file_size(pdf), 1000u);
+    EXPECT_GT(std::filesystem::file_size(png), 1000u);
+
+    const struct {
+        const char* args;
+        const char* named;
+    } refused[] = {
+        {"form --out /nonexistent-folder/form.pdf", "/nonexistent-folder/form.pdf"},
+        {"form --out X.pdf --edition paper", "--edition"},
+        {"form --out X.pdf --left north", "--left"},
+    };
+    for (const auto& c : refused) {
+        const auto bad = run(c.args);
+        EXPECT_EQ(bad.status, 2) << c.args;
+        EXPECT_NE(bad.err.find(c.named), std::string::npos) << bad.err;
+    }
+    EXPECT_FALSE(std::filesystem::exists("X.pdf"));
+    std::filesystem::remove_all(dir);
 }

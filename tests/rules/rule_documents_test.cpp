@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "nimbara/GlobalXML.hpp"
+#include "support/rule_table_file.hpp"
 
 namespace xml = nimbara::GlobalXML;
 
@@ -36,38 +35,8 @@ std::vector<Row> rows_of(std::string_view text, std::vector<std::string>* tags =
     return rows;
 }
 
-// The rule table as a person reads data/rules.tsv: one line per rule, blank-separated codes.
-struct TableRow {
-    std::vector<std::string> f;
-};
-std::vector<TableRow> read_table()
-{
-    std::ifstream in(std::string(NIMBARA_SOURCE_DIR) + "/data/rules.tsv");
-    std::vector<TableRow> rows;
-    std::string line;
-    bool header = true;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#') continue;
-        if (header) { header = false; continue; }
-        TableRow r;
-        std::stringstream s(line);
-        std::string field;
-        while (std::getline(s, field, '\t')) r.f.push_back(field);
-        while (r.f.size() < 13) r.f.emplace_back();
-        rows.push_back(r);
-    }
-    return rows;
-}
-
-std::vector<std::string> split_blanks(const std::string& s)
-{
-    std::vector<std::string> out;
-    std::stringstream in(s);
-    std::string w;
-    while (in >> w)
-        if (w != "-") out.push_back(w);
-    return out;
-}
+using nimbara::testing::read_rule_table_file;
+using nimbara::testing::split_blanks;
 
 struct DimensionDoc {
     std::string_view function;
@@ -86,6 +55,13 @@ const DimensionDoc kDimensionDocs[] = {
     {"getXML_DoValServEsp", "CODSERVICOE", 12, 214},
 };
 
+std::vector<std::string_view> rule_document_names()
+{
+    std::vector<std::string_view> names{"getXML_getIDCodValidacao", "getXML_DoValPeso"};
+    for (const auto& d : kDimensionDocs) names.push_back(d.function);
+    return names;
+}
+
 }  // namespace
 
 TEST(RuleDocuments, TextShape)
@@ -94,8 +70,13 @@ TEST(RuleDocuments, TextShape)
         const std::string_view text = *xml::document(name);
         EXPECT_TRUE(text.starts_with("<LIST><ITEM>")) << name;
         EXPECT_TRUE(text.ends_with("</ITEM></LIST>")) << name;
-        EXPECT_EQ(text.find_first_of(" \t\r\n"), std::string_view::npos) << name << ": blanks between tags";
+        EXPECT_EQ(text.find_first_of("\t\r\n"), std::string_view::npos) << name << ": line breaks";
+        EXPECT_EQ(text.find("> <"), std::string_view::npos) << name << ": blanks between tags";
         EXPECT_EQ(text.find("<?xml"), std::string_view::npos) << name;
+    }
+    // Only the rule documents pass through the upper-casing; the lists keep their mixed case.
+    for (const auto name : rule_document_names()) {
+        const std::string_view text = *xml::document(name);
         for (char c : text) ASSERT_FALSE(c >= 'a' && c <= 'z') << name << " is not in capitals";
     }
 }
@@ -107,7 +88,7 @@ TEST(RuleDocuments, RuleListHasEveryRuleOnceInTableOrder)
     EXPECT_EQ(tags, (std::vector<std::string>{"CODVALIDACAO", "CODPRODUTO", "ACTIVO"}));
     ASSERT_EQ(rows.size(), 141u);
     std::vector<Row> expected;
-    for (const auto& t : read_table())
+    for (const auto& t : read_rule_table_file())
         if (t.f[2] != "-") expected.push_back({{t.f[0], t.f[1], t.f[2] == "Y" ? "TRUE" : "FALSE"}});
     EXPECT_EQ(rows, expected);
     EXPECT_EQ(rows.front().values, (std::vector<std::string>{"0", "", "TRUE"}));
@@ -124,7 +105,7 @@ TEST(RuleDocuments, WeightDocumentRepeatsItsLastRow)
     ASSERT_EQ(rows.size(), 142u);
     EXPECT_EQ(rows[140], rows[141]);
     std::vector<Row> expected;
-    for (const auto& t : read_table())
+    for (const auto& t : read_rule_table_file())
         if (t.f[2] != "-") expected.push_back({{t.f[0], t.f[3], t.f[4], t.f[1]}});
     expected.push_back(expected.back());
     EXPECT_EQ(rows, expected);
@@ -132,7 +113,7 @@ TEST(RuleDocuments, WeightDocumentRepeatsItsLastRow)
 
 TEST(RuleDocuments, DimensionDocumentsMatchTheTableRowForRow)
 {
-    const auto table = read_table();
+    const auto table = read_rule_table_file();
     for (const auto& d : kDimensionDocs) {
         std::vector<std::string> tags;
         const auto rows = rows_of(*xml::document(d.function), &tags);
@@ -167,8 +148,8 @@ TEST(RuleDocuments, DeliberateFactsOfTheData)
     for (const auto& d : kDimensionDocs)
         for (const auto& r : rows_of(*xml::document(d.function))) EXPECT_NE(r.values[1], "79") << d.function;
 
-    // No document names C38 or C39.
-    for (const auto name : xml::document_names()) {
+    // No rule document names C38 or C39.
+    for (const auto name : rule_document_names()) {
         EXPECT_EQ(xml::document(name)->find("C38"), std::string_view::npos);
         EXPECT_EQ(xml::document(name)->find("C39"), std::string_view::npos);
     }

@@ -8,6 +8,7 @@ void register_document(CLI::App& app, int& status);
 void register_check_lines(CLI::App& app, int& status);
 void register_print(CLI::App& app, int& status);
 void register_check(CLI::App& app, int& status);
+void register_form(CLI::App& app, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
@@ -15,6 +16,7 @@ inline void register_commands(CLI::App& app, int& status)
     register_check_lines(app, status);
     register_print(app, status);
     register_check(app, status);
+    register_form(app, status);
 }
 
 }  // namespace nimbara::cli

@@ -6,6 +6,7 @@
 
 #include "foundation/text.hpp"
 #include "rules/build/tsv.hpp"
+#include "rules/build/xml_text.hpp"
 
 namespace nimbara::rules {
 namespace {
@@ -30,17 +31,21 @@ int to_int(std::string_view field, std::string_view file, std::size_t line, std:
 
 std::string item(const std::vector<std::string>& tags, const std::vector<std::string_view>& values)
 {
-    std::string out = "<ITEM>";
-    for (std::size_t i = 0; i < tags.size(); ++i) {
-        out += '<' + tags[i] + '>';
-        out += values[i];
-        out += "</" + tags[i] + '>';
-    }
-    out += "</ITEM>";
-    return out;
+    std::vector<TaggedValue> tagged;
+    for (std::size_t i = 0; i < tags.size(); ++i) tagged.push_back({tags[i], values[i]});
+    return item_text(tagged);
 }
 
 }  // namespace
+
+std::optional<Dimension> dimension_of_column(std::string_view column)
+{
+    const auto it = std::find(kDimensionColumns.begin(), kDimensionColumns.end(), column);
+    if (it == kDimensionColumns.end()) return std::nullopt;
+    return static_cast<Dimension>(it - kDimensionColumns.begin());
+}
+
+std::string_view column_of(Dimension d) { return kDimensionColumns[static_cast<std::size_t>(d)]; }
 
 std::vector<RuleRow> parse_rule_table(std::string_view text)
 {
@@ -76,9 +81,9 @@ std::vector<DocumentSpec> parse_document_specs(std::string_view text)
         } else if (f[1] == "Min") {
             spec.kind = DocumentSpec::Kind::Weight;
         } else {
-            const auto it = std::find(kDimensionColumns.begin(), kDimensionColumns.end(), f[1]);
-            if (it == kDimensionColumns.end()) fail(file, line.number, "unknown column \"" + std::string(f[1]) + "\"");
-            spec.dimension = static_cast<Dimension>(it - kDimensionColumns.begin());
+            const auto dimension = dimension_of_column(f[1]);
+            if (!dimension) fail(file, line.number, "unknown column \"" + std::string(f[1]) + "\"");
+            spec.dimension = *dimension;
         }
         for_each_code(f[2], [&](std::string_view tag) { spec.tags.emplace_back(tag); });
         if (f[3] == "none") {
@@ -141,12 +146,7 @@ std::string build_rule_document(const DocumentSpec& spec, const std::vector<Rule
         items.erase(items.begin() + static_cast<std::ptrdiff_t>(*repeated));
         items.push_back(moved);
     }
-    if (spec.repeat != DocumentSpec::Repeat::None && !items.empty()) items.push_back(items.back());
-
-    std::string out = "<LIST>";
-    for (const auto& i : items) out += i;
-    out += "</LIST>";
-    return text::to_upper(out);
+    return text::to_upper(list_text(items, spec.repeat != DocumentSpec::Repeat::None));
 }
 
 }  // namespace nimbara::rules

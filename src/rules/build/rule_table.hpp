@@ -34,6 +34,10 @@ struct RuleRow {
     std::string_view codes_of(Dimension d) const { return codes[static_cast<std::size_t>(d)]; }
 };
 
+// The dimension of a column of the rule table ("Zones", "Speed" ... "Serv"), if it names one.
+std::optional<Dimension> dimension_of_column(std::string_view column);
+std::string_view column_of(Dimension d);
+
 // Calls f for each blank-separated code of a dimension's list.
 template <class F>
 void for_each_code(std::string_view codes, F&& f)

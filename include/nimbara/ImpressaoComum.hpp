@@ -1,0 +1,137 @@
+#pragma once
+// The page logic that both editions of the printing class share: the drawing primitives, the fixed
+// form, the header and footer, the print log. It is written once and told which edition it serves,
+// where the editions differ.
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "nimbara/FormImpressao.hpp"
+#include "nimbara/PageSurface.hpp"
+
+namespace nimbara {
+
+enum class Edition {
+    Array,     // cls_ImpressaoA, fed from the in-memory Guia
+    Database,  // cls_Impressao, fed from the database
+};
+
+// One millimetre of the page in twips, formed as the program always formed it.
+inline constexpr double kTwipsPerMm = 567.0 / 10.0;
+
+class ImpressaoComum {
+public:
+    // A slice of the remarks: its first character (from 1) and its length.
+    struct Slice {
+        std::ptrdiff_t start;
+        std::size_t count;
+    };
+
+    // The special-service section of the current line's barcode item, and how many services it holds.
+    std::string Str_CodBarrasServEsp;
+    std::int32_t Total_Se_CodBarras = 0;
+
+    // A frame of four black rectangles (width w, height h, line thickness e, top-left X, y, all in
+    // millimetres with the page offsets already added); each argument is truncated to whole twips
+    // by itself. Leaves FillColor 0 and FillStyle 0 behind.
+    void printaCaixa(double w, double h, double e, double X, double y, PageSurface& impressora);
+    // One rectangle in the fill colour and style the caller has just set.
+    void printaCaixaFilled(double w, double h, double X, double y, PageSurface& impressora);
+    void printacirculo(double X, double y, double R, PageSurface& impressora);
+
+    // The characters of an amount for a comb of cells filled from the right: with width 1, the
+    // position-th character from the right. A position that starts before the text is refused with
+    // std::out_of_range.
+    static std::string ValorAlinhado(const std::string& valor, std::int32_t largura, std::int32_t posicao);
+    static std::string ApagaValorAlinhado(const std::string& valor, std::int32_t largura, std::int32_t posicao);
+
+    // Everything on a page that does not depend on the Guia's lines. DplOriginal is 0 for the
+    // original, else the number of the duplicate; dtRequisicao is already formatted.
+    void PrintaParteFixaGuiaExp(PageSurface& impressora, const FormImpressao& imagens, std::int32_t DplOriginal,
+                                const std::string& dtRequisicao);
+
+    // The header fields, the sender's address, the remarks and the payment marks. Answers 0.
+    std::int32_t ImprimeHeaderFooter(PageSurface& impressora2, const std::string& CAMPO_CodTerceiro,
+                                     const std::string& CAMPO_Ncliente, const std::string& CAMPO_Ncontr,
+                                     const std::string& CAMPO_PortePago, const std::string& CAMPO_ClienteExp,
+                                     const std::string& CAMPO_NFiscal, const std::string& CAMPO_Morada,
+                                     const std::string& CAMPO_CPostal, const std::string& CAMPO_Obs,
+                                     const std::string& CAMPO_Jpp, const std::string& CAMPO_PPagDif);
+
+    // A test page to hold against pre-printed paper: the fixed form and the logo, as every printed
+    // page begins.
+    void PrintTestPage(PageSurface& impressora, const FormImpressao& imagens, std::int32_t DplOriginal,
+                       const std::string& dtRequisicao);
+
+    // Appends a dated line to the print log. Never fails: a log that cannot be written loses the entry.
+    void WriteLog(const std::string& sLogEntry);
+
+    // A value of the per-user settings of the embedding application (section "Impressao"), or the default.
+    std::string getImpressaoSetting(const std::string& Key, const std::string& vDefaultValue);
+
+    // The page offsets in millimetres; the page driver sets them on entry, and a host that draws
+    // the fixed parts by itself (a test page) sets them here.
+    void SetPageOffsets(double left_mm, double top_mm);
+
+    // Where WriteLog writes: by default beside the component, named after it.
+    const std::filesystem::path& log_path() const { return log_path_; }
+    void set_log_path(std::filesystem::path path) { log_path_ = std::move(path); }
+
+    Edition edition() const { return edition_; }
+
+protected:
+    explicit ImpressaoComum(Edition edition);
+    ~ImpressaoComum() = default;
+    ImpressaoComum(const ImpressaoComum&) = default;
+    ImpressaoComum& operator=(const ImpressaoComum&) = default;
+
+    double twipsX(double mm) const { return (mm + LeftX) * kTwipsPerMm; }
+    double twipsY(double mm) const { return (mm + TopY) * kTwipsPerMm; }
+    // The logo at (1, 1) millimetres from the page offsets.
+    void paintLogo(PageSurface& s, const FormImpressao& imagens) const;
+    // Prints the text with its top-left at (x, y) millimetres from the page offsets.
+    void printAt(PageSurface& s, double x, double y, std::string_view text) const;
+    // Sets the font's name and size, and its boldness when given.
+    static void setFont(PageSurface& s, std::string_view name, double size, std::optional<bool> bold = std::nullopt);
+    // printaCaixa at (x, y) millimetres from the page offsets.
+    void frame(PageSurface& s, double x, double y, double w, double h, double e);
+    // The five lines of the remarks frame: the first at (6.5, 157.5), each later one a font line lower.
+    void printRemarks(PageSurface& s, std::string_view remarks, std::span<const Slice, 5> slices) const;
+    // The page numbers and, on the last page, the total's caption and comb; NCompromisso only in
+    // the array edition.
+    void printPageNumbers(PageSurface& s, const std::string& NDoc, std::int32_t pag, std::int32_t TotPaginas,
+                          const std::string* NCompromisso);
+
+    // Turns line breaks into blanks up to the next multiple of iChars characters, so that fixed
+    // slices of iChars fall on the text's own lines.
+    static std::string MyReplaceSpace(std::string_view sString, std::int16_t iChars);
+
+    // Runs a printing routine's body; a failure ends it, and is logged as "<routine>-Erro:" and the
+    // description, and the routine returns normally, so that a page with faults still comes out.
+    template <class Body>
+    void guarded(std::string_view routine, Body&& body)
+    {
+        try {
+            body();
+        } catch (const std::exception& e) {
+            WriteLog(std::string(routine) + "-Erro:" + e.what());
+        }
+    }
+
+    // Offsets of the page in millimetres, the page driver's to set.
+    double LeftX = 0;
+    double TopY = 0;
+
+private:
+    void drawTopRightCombs(PageSurface& s);
+    void drawRowCombs(PageSurface& s, double y);
+
+    Edition edition_;
+    std::filesystem::path log_path_;
+};
+
+}  // namespace nimbara

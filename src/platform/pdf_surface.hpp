@@ -1,0 +1,79 @@
+#pragma once
+// The page surface that prints: each print job (everything up to EndDoc) becomes one PDF file, and
+// any page of the current or last job can be rendered to an image or a PNG file for previews.
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "nimbara/PageSurface.hpp"
+
+namespace nimbara::platform {
+
+// A rendered page: 0x00RRGGBB pixels, row-major.
+struct RasterImage {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> rgb;
+
+    std::uint32_t at(int x, int y) const { return rgb[static_cast<std::size_t>(y) * width + x]; }
+};
+
+class PdfSurface final : public PageSurface {
+public:
+    // Gives the file of each print job, counted from 1.
+    using JobNamer = std::function<std::filesystem::path(int job)>;
+
+    explicit PdfSurface(JobNamer namer);
+    // Job 1 writes `pdf`; a later job n writes the same name with "-n" before the extension.
+    explicit PdfSurface(const std::filesystem::path& pdf);
+    ~PdfSurface() override;
+    PdfSurface(const PdfSurface&) = delete;
+    PdfSurface& operator=(const PdfSurface&) = delete;
+
+    void setScaleMode(int mode) override;
+    void setOrientation(int orientation) override;
+    void setPaperSize(int size) override;
+    void setTrackDefault(bool track) override;
+    void setFontName(std::string_view name) override;
+    void setFontSize(double points) override;
+    void setFontBold(bool bold) override;
+    void setForeColor(Colour colour) override;
+    void setFillColor(Colour colour) override;
+    void setFillStyle(int style) override;
+    void setDrawMode(int mode) override;
+    void setCurrentX(double twips) override;
+    void setCurrentY(double twips) override;
+    double CurrentX() const override;
+    double CurrentY() const override;
+    void Print(std::string_view text) override;
+    double TextWidth(std::string_view text) override;
+    void Line(int flags, double x1, double y1, double x2, double y2, Colour colour) override;
+    void Circle(int flags, double x, double y, double radius, Colour colour, double start, double end,
+                double aspect) override;
+    void PaintPicture(const Picture& picture, double x, double y) override;
+    void NewPage() override;
+    // Finishes the job's file; a job that could not be written throws here with the reason, and
+    // leaves no file behind.
+    void EndDoc() override;
+
+    // Opens the job's file now rather than at the first drawing call, so that an output place that
+    // cannot be written is known before anything is drawn.
+    void StartDoc();
+
+    // Pages of the job in progress, or of the last finished one when none is in progress.
+    int page_count() const;
+    RasterImage render(int page, double dpi) const;  // page counted from 1
+    void render_png(int page, double dpi, const std::filesystem::path& png) const;
+
+    // Every file this surface has finished, in order.
+    const std::vector<std::filesystem::path>& written() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace nimbara::platform

@@ -1,0 +1,257 @@
+// The fixed form of a Guia page: frames, captions, shaded panels, the column strips and the twelve
+// empty rows, drawn in an order that lets the variable parts fit into the cells afterwards.
+#include <initializer_list>
+#include <span>
+
+#include "nimbara/ImpressaoComum.hpp"
+#include "nimbara/version.hpp"
+
+namespace nimbara {
+namespace {
+
+// A comb of the top-right panel: its ticks as x, top and height, and the rule under them.
+struct TopComb {
+    struct Tick {
+        double x, y, h;
+    };
+    std::initializer_list<Tick> ticks;
+    double rule_x, rule_w;
+};
+const TopComb kTopRightCombs[] = {
+    {{{186.5, 24.7, 5}, {190, 26.6, 3}, {194, 26.6, 3}, {198, 26.6, 3.1}, {202, 26.6, 3.1}, {206, 26.6, 3.1},
+      {210, 26.6, 3.1}, {214.5, 24.7, 5.1}},
+     186.5, 28.2},
+    {{{216, 25.1, 5}, {220, 27.1, 3}, {224, 25.1, 5}}, 216, 8},
+    {{{225.5, 25.1, 5}, {229.5, 27.1, 3}, {233.5, 25.1, 5}}, 225.5, 8},
+    {{{234.7, 25.1, 5}, {238, 27.1, 3}, {242, 27.1, 3}, {246, 25.1, 5}, {250, 27.1, 3}, {254, 27.1, 3}, {257.8, 25.1, 5}},
+     234.7, 23.2},
+};
+
+// The character cells of one table row in the database edition: long ticks from the row's y
+// with height 4, short ones from y + 1 with height 3, and the rule at y + 4.
+struct RowComb {
+    std::initializer_list<std::pair<double, bool>> ticks;  // x, long
+    std::initializer_list<std::pair<double, double>> rules;  // from x, width
+};
+const RowComb kRowCombs[] = {
+    {{{12, true}, {16, false}, {20, true}}, {{12, 8.1}}},
+    {{{26.1, true}, {30, false}, {34, false}, {38, true}}, {{26.1, 12.1}}},
+    {{{43.7, true}, {47.7, false}, {51.7, false}, {55.7, true}, {59.7, false}, {64, false}, {68, true}}, {{43.7, 24.1}}},
+    {{{74.4, true}, {78.4, false}, {82.4, false}, {86.4, false}, {90.4, true}, {94.4, false}, {98.4, false}, {102.4, true}},
+     {{74.4, 28.1}}},
+    {{{108.5, true}, {112.5, true}}, {{108.5, 3.8}}},
+    {{{118.5, true}, {122.5, true}}, {{118.6, 3.9}}},
+    {{{129, true}, {132.5, true}}, {{129, 3.5}}},
+    {{{139, true}, {142.7, true}}, {{139, 3.7}}},
+    {{{149, true}, {153, false}, {157, true}, {158, true}, {162, false}, {166, true}, {167, true}, {171, false}, {175, true}},
+     {{149, 8.1}, {158, 8.1}, {167, 8.1}}},
+};
+// Comb 12, the amount, carries the decimal comma between its sixth and seventh ticks.
+constexpr std::pair<double, bool> kAmountTicksBeforeComma[] = {{181.1, true}, {185, false}, {188.9, false}, {192.9, true},
+                                                               {196.3, false}, {199.9, false}};
+constexpr std::pair<double, bool> kAmountTicksAfterComma[] = {{203.9, false}, {207.9, true}};
+const RowComb kRowCombsAfterAmount[] = {
+    {{{214, true}, {217.5, true}}, {{214, 3.5}}},
+    {{{223.4, true}, {226.8, true}}, {{223.4, 3.5}}},
+    {{{232.5, true}, {236.5, false}, {240.5, false}, {244.5, false}, {248.5, true}}, {{232.5, 16}}},
+    {{{255, true}, {258.5, true}}, {{255, 3.5}}},
+};
+
+// x of the strips ImgA to ImgN in the database edition; the array edition has its own and two more.
+constexpr double kStripXArray[16] = {0, 15.6, 26, 49.5, 71.7, 83.9, 96.1, 108.3, 120.5, 148.7, 170.2, 183.2, 195.5, 218.5, 230.5, 242.5};
+constexpr double kStripXDatabase[14] = {0, 20.6, 38.6, 68.8, 102.7, 113.1, 123.3, 133.5, 143.5, 175.7, 208, 218, 227.3, 249.5};
+
+}  // namespace
+
+void ImpressaoComum::drawTopRightCombs(PageSurface& s)
+{
+    for (const auto& comb : kTopRightCombs) {
+        for (const auto& t : comb.ticks) frame(s, t.x, t.y, 0, t.h, 0.1);
+        frame(s, comb.rule_x, 30.1, comb.rule_w, 0, 0.1);
+    }
+}
+
+void ImpressaoComum::drawRowCombs(PageSurface& s, double y)
+{
+    const auto tick = [&](std::pair<double, bool> t) {
+        if (t.second)
+            frame(s, t.first, y, 0, 4, 0.1);
+        else
+            frame(s, t.first, y + 1, 0, 3, 0.1);
+    };
+    const auto comb = [&](const RowComb& c) {
+        for (const auto& t : c.ticks) tick(t);
+        for (const auto& [x, w] : c.rules) frame(s, x, y + 4, w, 0, 0.1);
+    };
+    for (const auto& c : kRowCombs) comb(c);
+    for (const auto& t : kAmountTicksBeforeComma) tick(t);
+    setFont(s, "Times New Roman", 8);
+    s.setDrawMode(9);
+    s.setFillStyle(0);
+    printAt(s, 199.5, y + 2.1, ",");
+    s.setDrawMode(13);
+    s.setFillStyle(0);
+    setFont(s, "Times New Roman", 7);
+    for (const auto& t : kAmountTicksAfterComma) tick(t);
+    frame(s, 181.1, y + 4, 27.1, 0, 0.1);
+    for (const auto& c : kRowCombsAfterAmount) comb(c);
+}
+
+void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormImpressao& imagens,
+                                            std::int32_t DplOriginal, const std::string& dtRequisicao)
+{
+    guarded("PrintaParteFixaGuiaExp", [&] {
+        auto& s = impressora;
+        const bool array = edition_ == Edition::Array;
+        const auto text = [&](double x, double y, std::string_view t) { printAt(s, x, y, t); };
+        const auto grey_panel = [&](double x, double y, double w, double h) {
+            s.setFillColor(kPanelGrey);
+            s.setFillStyle(0);
+            printaCaixaFilled(w, h, x + LeftX, y + TopY, s);
+        };
+
+        s.setScaleMode(1);
+        s.setFillColor(kBlack);
+        s.setFillStyle(0);
+        setFont(s, "Times New Roman", 7, false);
+
+        // The identification row under the header frame.
+        text(1, 32.5, "Código de Terceiro");
+        text(31, 32.5, "Nº Cliente");
+        text(60, 32.5, "Nº Contrato");
+        text(89, 32.5, "Credencial Porte Pago");
+        text(124, 32.5, "Nome do Cliente Expedidor");
+        text(228, 32.5, "Nº Fiscal");
+        frame(s, 1, 36, 25, 5, 0.1);
+        frame(s, 31, 36, 23, 5, 0.1);
+        frame(s, 59, 36, 25, 5, 0.1);
+        frame(s, 89, 36, 33, 5, 0.1);
+        frame(s, 124, 36, 100, 5, 0.1);
+        frame(s, 228, 36, 34, 5, 0.1);
+
+        setFont(s, "Arial", 8, true);
+        text(5, 152, "Observações");
+        frame(s, 5, 156, 165, 26, 0.35);
+        setFont(s, "Times New Roman", 7, true);
+        text(143, 127, "Aceite - Conferido");
+        s.PaintPicture(imagens.pic_circuloAceiteConferido, twipsX(142.5), twipsY(131));
+
+        // The header frame with the headline, the payment boxes and the request date.
+        frame(s, 0, 0, 262, 32.1, 0.35);
+        frame(s, 1, 20, 80, 0, 0.2);
+        setFont(s, "Arial", 11, true);
+        text(40, 6.5, array ? "OBJETOS POSTAIS" : "OBJECTOS POSTAIS");
+        setFont(s, "Arial", 8, true);
+        text(2, 21.1, "Pagamento");
+        setFont(s, "Arial", 10, true);
+        text(40, 11.5, "Guia Nimbara ");
+        frame(s, 2, 26, 4, 4, 0.1);
+        frame(s, 22, 26, 4, 4, 0.1);
+        frame(s, array ? 45 : 42, 26, 4, 4, 0.1);
+        frame(s, 80, 26, 4, 4, 0.1);
+        frame(s, 115, 26, 26, 4, 0.1);
+        setFont(s, "Arial", 8, true);
+        if (array) {
+            text(8, 26, "a Pronto");
+            text(28, 26, "Pré-Ativo");
+            text(51, 26, "Crédito");
+            text(85.5, 26, "JPP Credenciado");
+        } else {
+            text(85.5, 26, "Conta Corrente ");
+        }
+        text(112.6, 17.5, "Data da Requisição");
+        text(115.6, 21, "Ano - Mês - Dia");
+        text(119, 26.2, dtRequisicao);
+        if (!array) {
+            text(8, 26, "a Pronto");
+            text(28, 26, "Diferido");
+            text(49, 26, "JPP Credenciados");
+        }
+
+        // The footer: sender's address, acceptance, amount charged, numbers of the document.
+        grey_panel(190.1, 118.1, 70.8, 27.8);
+        frame(s, 5, 121, 120, 28, 0);
+        setFont(s, "Arial", 7, true);
+        text(7, 121.5, "(Endereço do Remetente)");
+        text(7, 145, "(Rubrica do Entregador)");
+        frame(s, 7, 128.5, 100, 0, 0);
+        frame(s, 7, 133.5, 100, 0, 0);
+        frame(s, 7, 142, 100, 0, 0);
+        frame(s, 192, 123, 67, 0, 0);
+        frame(s, 192, 130, 67, 0, 0);
+        frame(s, 192, 137, 67, 0, 0);
+        const std::string copy_mark = DplOriginal == 0 ? "Original" : "Duplicado " + std::to_string(DplOriginal);
+        const std::string version = "Versão " + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) +
+                                    "." + std::to_string(kVersionRevision);
+        if (array) {
+            text(150, 183, copy_mark);
+            s.setFontBold(false);
+            text(5, 183, version);
+        } else {
+            text(150, 182, copy_mark);
+            text(100, 182, version);
+        }
+        s.PaintPicture(imagens.pict_cobrado, twipsX(198.5), twipsY(141.5));
+        s.PaintPicture(imagens.pic_euro, twipsX(212.5), twipsY(140));
+        s.setForeColor(kBlack);
+        s.setFillStyle(2);
+        text(195, 114.5, "Observações");
+        text(193.5, 151.5, "Por");
+        s.PaintPicture(imagens.pict_ponto, twipsX(228.5), twipsY(138));
+        s.PaintPicture(imagens.pict_virgula, twipsX(247.5), twipsY(138));
+        for (double x : {216.5, 222.5, 230.0, 236.0, 242.0, 249.0, 255.0}) frame(s, x, 138, 5, 6.5, 0.1);
+        frame(s, 184, 156, 77, 0, 0);
+        setFont(s, "Arial", 9);
+        if (array) {
+            text(190, 159, "Doc. Nº");
+            frame(s, 228, 158, 28, 5, 0.1);
+            text(190, 167, "Nº de  Páginas");
+            text(190, 175, "Página Nº");
+            frame(s, 228, 166, 28, 5, 0.1);
+            frame(s, 228, 174, 28, 5, 0.1);
+            frame(s, 228, 182, 28, 5, 0.1);
+            text(190, 183, "Pedido / Compromisso");
+        } else {
+            text(210, 160, "Doc. Nº");
+            frame(s, 234, 160, 17, 5, 0.1);
+            text(210, 180, "Nº de  Páginas");
+            text(210, 170, "Página Nº");
+            frame(s, 234, 170, 17, 5, 0.1);
+            frame(s, 234, 180, 17, 5, 0.1);
+        }
+
+        // The top-right panel with the request number's combs.
+        grey_panel(185.1, 19.1, 73.8, 11.8);
+        drawTopRightCombs(s);
+        if (!array) {
+            setFont(s, "Times New Roman", 7, true);
+            text(186.5, 16, "Nº de Requisição");
+        }
+        s.PaintPicture(imagens.pict_ec_aceitante, twipsX(186.5), twipsY(20));
+        for (double x : {216.0, 225.5, 234.7}) {
+            s.setCurrentX(twipsX(x));
+            s.setCurrentY(twipsY(21));
+        }
+
+        // The twelve rows of the table.
+        s.setFillColor(kBlack);
+        for (int row = 0, y = 43; row < 12; ++row, y += 6) {
+            setFont(s, "Times New Roman", 7, true);
+            s.setFillColor(kBlack);
+            s.setCurrentX(twipsX(8));
+            s.setCurrentY(twipsY(2));
+            if (array)
+                frame(s, 10, y + 4, 255, 0, 0.1);
+            else
+                drawRowCombs(s, y);
+        }
+
+        // Last, so that they lie over the rows' rules.
+        s.PaintPicture(imagens.Pic_barra_ProcessadoComp, twipsX(0), twipsY(126.5));
+        const auto strips = imagens.strips();
+        const std::span<const double> xs = array ? std::span<const double>(kStripXArray) : std::span<const double>(kStripXDatabase);
+        for (std::size_t i = 0; i < xs.size(); ++i) s.PaintPicture(*strips[i], twipsX(xs[i]), twipsY(41.5));
+    });
+}
+
+}  // namespace nimbara

@@ -1,0 +1,48 @@
+#pragma once
+// The possible-value documents of data/possible_values.tsv: the rule table joined over the dimensions
+// each document names, one row per distinct combination, less the rows of possible_values_left_out.tsv.
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rules/build/designations.hpp"
+#include "rules/build/rule_table.hpp"
+#include "rules/build/xml_text.hpp"
+
+namespace nimbara::rules {
+
+struct PossibleValueSpec {
+    // Where a tag's value comes from: a field of the rule, a dimension's code or its label, or nothing.
+    struct Source {
+        enum class Kind { Empty, Id, Product, Min, Max, Code, Label };
+        Kind kind = Kind::Empty;
+        Dimension dimension = Dimension::Zone;  // for Code and Label
+    };
+    struct Tag {
+        std::string name;
+        Source source;
+        ValueForm form = ValueForm::CData;
+        bool omitted_when_empty = false;
+    };
+    // Every row that the rule gives in one of the zones stays out of the document.
+    struct LeftOut {
+        int rule = 0;
+        std::vector<std::string> zones;
+    };
+
+    std::string function;
+    std::vector<Tag> tags;
+    bool sorted = false;  // by the rows' values in tag order; otherwise in rule-table order
+    std::vector<LeftOut> left_out;
+};
+
+// Throws std::runtime_error naming the file and line of a malformed entry, or a left-out entry for
+// a document that does not exist.
+std::vector<PossibleValueSpec> parse_possible_value_specs(std::string_view specs_text, std::string_view left_out_text);
+
+// The document's text, its last row written twice; mixed case kept. Throws when a left-out entry
+// removes nothing, since the data then no longer says what it means.
+std::string build_possible_value_document(const PossibleValueSpec& spec, const std::vector<RuleRow>& table,
+                                          const Designations& designations);
+
+}  // namespace nimbara::rules

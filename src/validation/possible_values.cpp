@@ -1,0 +1,210 @@
+#include "validation/possible_values.hpp"
+
+#include <initializer_list>
+#include <optional>
+
+#include "foundation/text.hpp"
+#include "nimbara/GlobalXML.hpp"
+#include "rules/list_document.hpp"
+
+namespace nimbara::validation {
+namespace {
+
+using rules::ListDocument;
+
+// A document parsed once, with its weight bounds converted once per row: it never changes. A bound
+// whose tag the row lacks reads as 0; one that is no 32-bit number is nothing.
+struct Parsed {
+    ListDocument doc;
+    std::vector<std::optional<std::int32_t>> min, max;
+};
+
+std::optional<Parsed> prepare(std::string_view text)
+{
+    auto doc = ListDocument::parse(text);
+    if (!doc) return std::nullopt;
+    Parsed p{std::move(*doc), {}, {}};
+    const auto convert = [&p](const char* tag, std::vector<std::optional<std::int32_t>>& out) {
+        const auto column = p.doc.column(tag);
+        for (std::size_t row = 0; row < p.doc.rows(); ++row) {
+            const auto v = column ? p.doc.value(row, *column) : std::nullopt;
+            out.push_back(v ? text::to_int32(*v) : 0);
+        }
+    };
+    convert("CESCALAOMIN", p.min);
+    convert("CESCALAOMAX", p.max);
+    return p;
+}
+
+// Nothing when the document does not load.
+template <std::string_view (*Text)()>
+const Parsed* parsed()
+{
+    static const std::optional<Parsed> p = prepare(Text());
+    return p ? &*p : nullptr;
+}
+
+struct Filter {
+    const char* tag;
+    std::string_view value;
+};
+
+enum class LabelRule {
+    Tag,           // the label tag as it stands
+    VazioForZero,  // "Vazio" for code "0", else the label tag
+    Selection,     // code and label from whether PRETRATAMENTO reads "TRUE"
+};
+
+struct Query {
+    const Parsed* parsed;
+    std::initializer_list<Filter> filters;
+    std::optional<std::int32_t> weight;  // the half-open test, where the procedure takes a weight
+    bool min_only = false;               // the bent test: only the minimum is compared
+    const char* code_tag;
+    const char* label_tag;
+    LabelRule rule = LabelRule::Tag;
+};
+
+// Walks the document from first row to last, taking every row whose filter tags equal their
+// arguments and whose range holds the weight. A tag a row lacks reads as the empty text, and as 0
+// where a bound is read; a bound that is no number ends the walk as a failure.
+PossibleValues walk(const Query& q)
+{
+    if (!q.parsed) return PossibleValuesFailed{};
+    const ListDocument& doc = q.parsed->doc;
+    const auto text = [&doc](std::size_t row, std::optional<std::size_t> column) -> std::string_view {
+        if (!column) return {};
+        return doc.value(row, *column).value_or(std::string_view{});
+    };
+
+    std::vector<std::pair<std::optional<std::size_t>, std::string_view>> filters;
+    for (const auto& f : q.filters) filters.emplace_back(doc.column(f.tag), f.value);
+    const auto code_column = doc.column(q.code_tag), label_column = doc.column(q.label_tag);
+
+    std::vector<CodeLabel> out;
+    for (std::size_t row = 0; row < doc.rows(); ++row) {
+        if (q.weight) {
+            // Both bounds are read before the filters decide, so a bad bound anywhere fails the call.
+            const auto min = q.parsed->min[row], max = q.parsed->max[row];
+            if (!min || !max) return PossibleValuesFailed{};
+            const bool in_range = q.min_only ? *min <= *q.weight : *min < *q.weight && *max >= *q.weight;
+            if (!in_range) continue;
+        }
+        bool taken = true;
+        for (const auto& [column, value] : filters) taken = taken && text(row, column) == value;
+        if (!taken) continue;
+
+        const std::string_view code = text(row, code_column);
+        switch (q.rule) {
+        case LabelRule::Tag: out.push_back({std::string(code), std::string(text(row, label_column))}); break;
+        case LabelRule::VazioForZero:
+            out.push_back({std::string(code), code == "0" ? "Vazio" : std::string(text(row, label_column))});
+            break;
+        case LabelRule::Selection:
+            // The document holds pre-treatment codes, never the word, so every row reads as not selected.
+            out.push_back(code == "TRUE" ? CodeLabel{"1", "Seleccionar"} : CodeLabel{"0", "Não Seleccionar"});
+            break;
+        }
+    }
+    return out;
+}
+
+// The discount codes of a document, with rule A's labels, for the line's leading fields.
+PossibleValues discount_codes(const Parsed* document, std::string_view product, std::string_view zone,
+                              std::string_view speed, std::string_view format, std::string_view pre_treatment,
+                              std::int32_t weight)
+{
+    return walk({document,
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment}},
+                 weight, false, "CODDESCONTO", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+}  // namespace
+
+PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_ZonaTaxacao>(), {{"CODPRODUTO", product}}, std::nullopt, false,
+                 "CODZTAXACAO", "DESIGNACAO"});
+}
+
+PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Peso>(), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+                 std::nullopt, false, "CESCALAOMIN", "CESCALAOMAX"});
+}
+
+PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight)
+{
+    // For products C38 and C10 only the minimum is compared with the weight.
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Velocidade>(), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+                 weight, product == "C38" || product == "C10", "CODVELOCIDADE", "DESIGNACAO"});
+}
+
+PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_view zone, std::string_view speed,
+                                         std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_Formato>(),
+                 {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}}, weight, false, "CODFORMATO",
+                 "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::string_view zone, std::string_view speed,
+                                               std::string_view format, std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_PreTratamento>(),
+                 {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}},
+                 weight, false, "PRETRATAMENTO", "PRETRATAMENTO", LabelRule::Selection});
+}
+
+PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
+                                          std::string_view format, std::string_view pre_treatment, std::int32_t weight)
+{
+    return discount_codes(parsed<GlobalXML::GetXMLPossibleValues_Desconto>(), product, zone, speed, format,
+                          pre_treatment, weight);
+}
+
+PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, std::string_view zone,
+                                                    std::string_view speed, std::string_view format,
+                                                    std::string_view pre_treatment, std::int32_t weight)
+{
+    // Reads the discount tag of its own document, so it lists discount codes: that is how it has always answered.
+    return discount_codes(parsed<GlobalXML::GetXMLPossibleValues_AmbitoDistribuicao>(), product, zone, speed, format,
+                          pre_treatment, weight);
+}
+
+PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::string_view zone, std::string_view speed,
+                                               std::string_view format, std::string_view pre_treatment,
+                                               std::string_view scope, std::int32_t weight)
+{
+    // The sampling document stands shifted, with delivery labels where a minimum belongs, so the
+    // bound of its first labelled row fails this call whatever the arguments.
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_EntregaSampling>(),
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment},
+                  {"CODAMBITODIST", scope}},
+                 weight, false, "CODENTREGASAMPLING", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+PossibleValues GetPossibleValues_ServicosEspeciais(std::string_view product, std::string_view zone,
+                                                   std::string_view speed, std::string_view format,
+                                                   std::string_view pre_treatment, std::string_view discount,
+                                                   std::int32_t weight)
+{
+    return walk({parsed<GlobalXML::GetXMLPossibleValues_ServicosEspeciais>(),
+                 {{"CODPRODUTO", product},
+                  {"CODZTAXACAO", zone},
+                  {"CODVELOCIDADE", speed},
+                  {"CODFORMATO", format},
+                  {"PRETRATAMENTO", pre_treatment},
+                  {"CODDESCONTO", discount}},
+                 weight, false, "CODSERVICOE", "DESIGNACAO", LabelRule::VazioForZero});
+}
+
+}  // namespace nimbara::validation

@@ -1,0 +1,75 @@
+// nimbara form: prints the empty form of one edition as a test page to hold against pre-printed paper.
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "commands.hpp"
+#include "nimbara/cls_Impressao.hpp"
+#include "nimbara/cls_ImpressaoA.hpp"
+#include "platform/pdf_surface.hpp"
+
+namespace nimbara::cli {
+namespace {
+
+struct FormOptions {
+    std::string out;
+    std::string png;
+    double dpi = 150;
+    std::string edition = "array";
+    std::int32_t copy = 0;
+    std::string date;
+    double left = 0;
+    double top = 0;
+};
+
+int print_form(const FormOptions& o)
+{
+    platform::PdfSurface surface{std::filesystem::path(o.out)};
+    try {
+        // As the print drive prepares the printer: A4 landscape.
+        surface.setOrientation(2);
+        surface.setPaperSize(9);
+        surface.setTrackDefault(false);
+        surface.StartDoc();
+    } catch (const std::exception& e) {
+        std::cerr << "nimbara form: " << e.what() << '\n';
+        return 2;
+    }
+    cls_ImpressaoA array;
+    cls_Impressao database;
+    ImpressaoComum& printer = o.edition == "database" ? static_cast<ImpressaoComum&>(database) : array;
+    printer.SetPageOffsets(o.left, o.top);
+    printer.PrintTestPage(surface, form_impressao(), o.copy, o.date);
+    try {
+        surface.EndDoc();
+        std::cout << o.out << '\n';
+        if (!o.png.empty()) {
+            surface.render_png(1, o.dpi, o.png);
+            std::cout << o.png << '\n';
+        }
+    } catch (const std::exception& e) {
+        std::cerr << "nimbara form: " << e.what() << '\n';
+        return 2;
+    }
+    return 0;
+}
+
+}  // namespace
+
+void register_form(CLI::App& app, int& status)
+{
+    auto* cmd = app.add_subcommand("form", "Print the empty form of one edition as a test page (A4 landscape PDF)");
+    auto o = std::make_shared<FormOptions>();
+    cmd->add_option("--out", o->out, "The PDF file to write")->required();
+    cmd->add_option("--png", o->png, "Also render the page to this PNG file");
+    cmd->add_option("--dpi", o->dpi, "Resolution of the PNG (default 150)")->check(CLI::Range(10.0, 2400.0));
+    cmd->add_option("--edition", o->edition, "array (headless road, default) or database")
+        ->check(CLI::IsMember({"array", "database"}));
+    cmd->add_option("--copy", o->copy, "0 prints \"Original\", N prints \"Duplicado N\"")->check(CLI::NonNegativeNumber);
+    cmd->add_option("--date", o->date, "The request date as printed, e.g. 2024-03-15");
+    cmd->add_option("--left", o->left, "Left offset of the page in millimetres");
+    cmd->add_option("--top", o->top, "Top offset of the page in millimetres");
+    cmd->callback([o, &status] { status = print_form(*o); });
+}
+
+}  // namespace nimbara::cli
