@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "document/validation_report.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "support/literal_validator.hpp"
 #include "validation/line_validator.hpp"
@@ -123,3 +124,45 @@ int main(int argc, char** argv)
     benchmark::Shutdown();
     return 0;
 }
+
+// A whole Guia judged and its report built in memory: twelve lines (one printed page), two of which
+// fail, so the report carries two blocks with their listings. Items are Guias.
+namespace {
+
+nimbara::GuiaArrays twelve_line_guia()
+{
+    nimbara::cls_ValProdutosA g;
+    g.PreencheCabecalho("7", "", "456", "", "", "Ana", "", "", "", "", "", "", "", "", "", "", "2026/7", "", "", "0");
+    const auto add = [&](std::string_view zone, std::string_view product, std::string_view weight,
+                         std::string_view format, std::string_view discount, std::string_view services,
+                         std::string_view pre = "1") {
+        g.PreencheProduto(zone, product, "0", "300", "1", services, "0", weight, format, pre, discount, "", "", "0", "",
+                          "", "", "", "", "");
+    };
+    for (int i = 0; i < 5; ++i) add("01", "C01", std::to_string(10 + i * 20), "02", "0", "0");
+    add("01", "C01", "0", "02", "0", "0");             // fails on the weight: ranges listed
+    for (int i = 0; i < 3; ++i) add("01", "C13", "50", "03", "02", "02,10");
+    add("01", "C01", "50", "02", "0", "0,02,07");      // fails on its services: allowed ones listed
+    add("01", "C03", "100", "0", "0", "0");
+    add("27", "E01", "1000", "0", "0", "02", "0");
+    return g.arrays();
+}
+
+void BM_ValidateGuia(benchmark::State& state)
+{
+    const nimbara::GuiaArrays guia = twelve_line_guia();
+    const std::string report = nimbara::document::build_validation_report(guia).text;
+    int blocks = 0;
+    for (auto at = report.find("Ordem Insercao"); at != std::string::npos; at = report.find("Ordem Insercao", at + 1))
+        ++blocks;
+    if (guia.arrGuia.row_count() != 12 || blocks != 2) {
+        state.SkipWithError("the sample Guia is not the twelve lines with two failing ones it should be");
+        return;
+    }
+    for (auto _ : state) benchmark::DoNotOptimize(nimbara::document::build_validation_report(guia));
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+    state.SetLabel("Guias");
+}
+BENCHMARK(BM_ValidateGuia);
+
+}  // namespace

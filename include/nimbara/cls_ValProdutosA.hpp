@@ -1,9 +1,14 @@
 #pragma once
-// The headless façade: validates product lines and Guias against the compiled-in rule catalogue.
+// The headless façade: holds a Guia poured in as text, validates product lines and Guias against the
+// compiled-in rule catalogue, and reports what it found.
 #include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "nimbara/error_array.hpp"
+#include "nimbara/guia_arrays.hpp"
 
 namespace nimbara {
 
@@ -28,6 +33,78 @@ public:
     std::string_view getEntregaSamplingLOV() const;
     std::string_view getAmbitoDistribuicaoLOV() const;
     std::string_view getZonaTaxacaoLOV() const;
+
+    // ---- The in-memory Guia --------------------------------------------------------------------
+    // Values are stored trimmed; an argument that is the empty text leaves its cell empty.
+
+    // Nothing on success; -1 when the call failed (rows stored before the failure stay).
+    using FillAnswer = std::optional<std::int32_t>;
+
+    // Writes row 0 of the header: a second call overwrites the fields it is given and keeps those
+    // for which it gets the empty text. Answers 0, or -1 after a failure.
+    std::int32_t PreencheCabecalho(std::string_view cb_N_Req, std::string_view cb_CodTerceiro,
+                                   std::string_view cb_CodCliente, std::string_view cb_CodContrato,
+                                   std::string_view cb_CodCredencial, std::string_view cb_Nome,
+                                   std::string_view cb_NContribuinte, std::string_view cb_Morada,
+                                   std::string_view cb_CodPostal, std::string_view cb_DesigPostal,
+                                   std::string_view cb_Obs, std::string_view cb_JppCredenciado,
+                                   std::string_view cb_Pagamento, std::string_view cb_NCredencial,
+                                   std::string_view cb_Drqjul, std::string_view cb_DataRequisicao,
+                                   std::string_view cb_NDoc, std::string_view cb_IDReqAnual,
+                                   std::string_view cb_NCompromisso, std::string_view cb_TipoAcesso);
+
+    // Adds one product line. A pre-treatment of 0 is stored as an empty cell, except on products of
+    // the P family in zone "01", which always carry "0"; a pre-treatment that is no number (the empty
+    // text among them) drops the line and answers -1.
+    FillAnswer PreencheProduto(std::string_view A_Zona_Taxacao, std::string_view B_Produto,
+                               std::string_view E_Velocidade, std::string_view D_Quantidade,
+                               std::string_view N_Linha, std::string_view ListaServesp,
+                               std::string_view CodAmbitoDist, std::string_view Escalao, std::string_view Formato,
+                               std::string_view PreTratamento, std::string_view Desconto,
+                               std::string_view TaxEsp_Quantidade, std::string_view TaxEsp_Semana,
+                               std::string_view Entrega_Sampling, std::string_view Vexora,
+                               std::string_view DivisaoRemetente, std::string_view CodigoCampanha,
+                               std::string_view N_Req, std::string_view caracte, std::string_view refClie);
+
+    // Adds one special service of a line; nothing checks that the line exists.
+    FillAnswer PreencheServico(std::string_view N_Linha, std::string_view CodServEsp, std::string_view Valor);
+
+    // Adds one row of print and barcode parameters; readers use the first row only.
+    FillAnswer PreencheParametros(std::string_view VCod2DFonteSize, std::string_view vCod2DRatio,
+                                  std::string_view vCod2DNColunas, std::string_view vCod2DNLinhas,
+                                  std::string_view vCod2DErroLevel, std::string_view vCod2DPDFMode,
+                                  std::string_view VCod2DTruncatedRuncated, std::string_view vCod2DApplyTilde,
+                                  std::string_view vGuiaNVias, std::string_view vGuiaMargensTopo,
+                                  std::string_view vGuiaMargensEsquerda, std::string_view vCodTerceiro);
+
+    const FieldTable& arrCabecalho() const { return arrays_.arrCabecalho; }
+    const FieldTable& arrGuia() const { return arrays_.arrGuia; }
+    const FieldTable& arrServEsp() const { return arrays_.arrServEsp; }
+    const FieldTable& arrParametros() const { return arrays_.arrParametros; }
+    const GuiaArrays& arrays() const { return arrays_; }
+
+    // ---- Whole Guia, report and answer ---------------------------------------------------------
+
+    // The rules that span lines (minimum quantities, inserts, access type), over the held Guia.
+    ValidationResult DoValidaGuia() const;
+
+    // Validates every line, then (when no line failed) the Guia, writes the report into the report
+    // folder and answers <LIST><ITEM><ERRO_ID>0 or -1</ERRO_ID><LOG_FILE>path</LOG_FILE></ITEM></LIST>.
+    // With boolOnlyPrinter the Guia is neither validated nor reported, only printed.
+    std::string ImprimeGuia(bool boolOnlyPrinter);
+
+    // Where reports are written; by default the component's own folder.
+    void setReportFolder(std::filesystem::path folder) { report_folder_ = std::move(folder); }
+    std::filesystem::path reportFolder() const;
+
+    // A Guia that passes is printed unless printing is turned off (validation and report only).
+    void setPrintingEnabled(bool enabled) { printing_enabled_ = enabled; }
+    bool printingEnabled() const { return printing_enabled_; }
+
+private:
+    GuiaArrays arrays_;
+    std::optional<std::filesystem::path> report_folder_;
+    bool printing_enabled_ = true;
 };
 
 }  // namespace nimbara

@@ -1,43 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-
+#include "cli_run.hpp"
 #include "nimbara/GlobalXML.hpp"
 
-namespace {
-
-struct Run {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-// Runs the program with a shell command line, capturing standard output and standard error.
-Run run(const std::string& args, const std::string& input = "")
-{
-    const auto dir = std::filesystem::temp_directory_path();
-    const auto in = dir / ("nimbara-cli-in-" + std::to_string(::getpid()));
-    const auto err = dir / ("nimbara-cli-err-" + std::to_string(::getpid()));
-    std::ofstream(in) << input;
-    const std::string cmd = std::string(NIMBARA_CLI) + " " + args + " <" + in.string() + " 2>" + err.string();
-    FILE* pipe = ::popen(cmd.c_str(), "r");
-    std::string out;
-    std::array<char, 4096> buf;
-    while (const auto n = std::fread(buf.data(), 1, buf.size(), pipe)) out.append(buf.data(), n);
-    const int status = ::pclose(pipe);
-    std::ifstream e(err);
-    std::string err_text((std::istreambuf_iterator<char>(e)), {});
-    std::filesystem::remove(in);
-    std::filesystem::remove(err);
-    return {WEXITSTATUS(status), out, err_text};
-}
-
-}  // namespace
+using nimbara::testing::run;
 
 TEST(Cli, Version)
 {

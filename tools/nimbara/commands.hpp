@@ -6,12 +6,16 @@ namespace nimbara::cli {
 
 void register_document(CLI::App& app, int& status);
 void register_check_lines(CLI::App& app, int& status);
+void register_print(CLI::App& app, int& status);
+void register_check(CLI::App& app, int& status);
 void register_form(CLI::App& app, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
     register_document(app, status);
     register_check_lines(app, status);
+    register_print(app, status);
+    register_check(app, status);
     register_form(app, status);
 }
 

@@ -1,0 +1,41 @@
+#pragma once
+// Running the command-line program from a test, with its output and exit status captured.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace nimbara::testing {
+
+struct Run {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+// Runs the program with a shell command line, capturing standard output and standard error.
+inline Run run(const std::string& args, const std::string& input = "")
+{
+    const auto dir = std::filesystem::temp_directory_path();
+    const auto in = dir / ("nimbara-cli-in-" + std::to_string(::getpid()));
+    const auto err = dir / ("nimbara-cli-err-" + std::to_string(::getpid()));
+    std::ofstream(in) << input;
+    const std::string cmd = std::string(NIMBARA_CLI) + " " + args + " <" + in.string() + " 2>" + err.string();
+    FILE* pipe = ::popen(cmd.c_str(), "r");
+    std::string out;
+    std::array<char, 4096> buf;
+    while (const auto n = std::fread(buf.data(), 1, buf.size(), pipe)) out.append(buf.data(), n);
+    const int status = ::pclose(pipe);
+    std::ifstream e(err);
+    std::string err_text((std::istreambuf_iterator<char>(e)), {});
+    std::filesystem::remove(in);
+    std::filesystem::remove(err);
+    return {WEXITSTATUS(status), out, err_text};
+}
+
+}  // namespace nimbara::testing

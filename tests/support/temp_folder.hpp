@@ -1,0 +1,36 @@
+#pragma once
+// A fresh folder under the system's temporary folder, named after the running test and removed with
+// the object, so that tests that write files never see each other's.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+namespace nimbara::testing {
+
+class TempFolder {
+public:
+    TempFolder()
+        : path_(std::filesystem::temp_directory_path() /
+                ("nimbara-" + std::to_string(::getpid()) + "-" +
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name()))
+    {
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directories(path_);
+    }
+    ~TempFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+}  // namespace nimbara::testing
