@@ -3,10 +3,13 @@
 // compiled-in rule catalogue, and reports what it found.
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "nimbara/FormImpressao.hpp"
+#include "nimbara/PageSurface.hpp"
 #include "nimbara/error_array.hpp"
 #include "nimbara/guia_arrays.hpp"
 
@@ -101,10 +104,32 @@ public:
     void setPrintingEnabled(bool enabled) { printing_enabled_ = enabled; }
     bool printingEnabled() const { return printing_enabled_; }
 
+    // ---- Printing ------------------------------------------------------------------------------
+
+    // Prints the held Guia: a new cls_ImpressaoA gets copies of the four tables, and each of the
+    // vGuiaNVias copies is one print job on impr, the margins turned from twips into millimetres;
+    // DuplOrig counts the copies (0 is the original). The tables are emptied after the run; after a
+    // failure all but the parameters are, and nothing is reported.
+    void Imprime_Guias(PageSurface& impr, const FormImpressao& myPrintForm, const std::string& CodCLiente,
+                       std::int32_t NReq, std::int16_t Nvia, std::int32_t& DuplOrig, const std::string& dtRequisicao,
+                       const std::string& NGUIA_2);
+
+    // The printer of a Guia that passes: by default each copy becomes a PDF file in the print folder,
+    // named after the Guia and the copy, never over an existing file. A host may hand its own surface.
+    void setPrinter(std::shared_ptr<PageSurface> printer) { printer_ = std::move(printer); }
+    void setPrintFolder(std::filesystem::path folder) { print_folder_ = std::move(folder); }
+    // The print folder; by default the report folder.
+    std::filesystem::path printFolder() const;
+    // Where printing failures are logged; by default the log beside the component.
+    void setPrintLog(std::filesystem::path log) { print_log_ = std::move(log); }
+
 private:
     GuiaArrays arrays_;
     std::optional<std::filesystem::path> report_folder_;
     bool printing_enabled_ = true;
+    std::shared_ptr<PageSurface> printer_;
+    std::optional<std::filesystem::path> print_folder_;
+    std::optional<std::filesystem::path> print_log_;
 };
 
 }  // namespace nimbara

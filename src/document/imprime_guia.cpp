@@ -1,9 +1,11 @@
 // Finishing a held Guia: validation, the report file, printing when all is well, and the answer.
 #include <exception>
 
+#include "document/pdf_printer.hpp"
 #include "document/validation_report.hpp"
 #include "foundation/component.hpp"
 #include "foundation/file_names.hpp"
+#include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "validation/guia_rules.hpp"
 
@@ -36,6 +38,8 @@ std::filesystem::path cls_ValProdutosA::reportFolder() const
     return report_folder_ ? *report_folder_ : component_location().folder;
 }
 
+std::filesystem::path cls_ValProdutosA::printFolder() const { return print_folder_ ? *print_folder_ : reportFolder(); }
+
 std::string cls_ValProdutosA::ImprimeGuia(bool boolOnlyPrinter)
 {
     try {
@@ -48,9 +52,15 @@ std::string cls_ValProdutosA::ImprimeGuia(bool boolOnlyPrinter)
         }
 
         if (!errors && printing_enabled_ && !arrays_.arrGuia.empty() && !arrays_.arrCabecalho.empty()) {
-            // The print drive (Imprime_Guias) is called here: request number (header field 0 as a
-            // 32-bit number), request date (field 15), document number (field 16), an empty client
-            // code, copy 0, duplicate counter 0. It empties the tables after its run.
+            const FieldTable& cab = arrays_.arrCabecalho;
+            const std::int32_t NReq = text::require_cell_int32(cab.at(cab::N_Req, 0));
+            const std::string dtRequisicao(cab.text(cab::DataRequisicao, 0)), NDoc(cab.text(cab::NDoc, 0));
+            std::shared_ptr<PageSurface> printer = printer_;
+            if (!printer)
+                printer = document::make_pdf_printer(printFolder(), NDoc.empty() ? std::to_string(NReq) : NDoc);
+            std::int32_t DuplOrig = 0;
+            // It empties the tables after its run.
+            Imprime_Guias(*printer, form_impressao(), "", NReq, 0, DuplOrig, dtRequisicao, NDoc);
         }
 
         // The report is written whenever validation was asked for, even when it holds no text.

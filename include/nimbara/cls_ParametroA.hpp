@@ -1,0 +1,49 @@
+#pragma once
+// The twelve print and barcode settings of a headless Guia, taken from the parameter table that the
+// façade was filled with. No database: a new object holds empty texts until PreencheObjecto.
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "nimbara/guia_arrays.hpp"
+
+namespace nimbara {
+
+// A parameter check that failed: the application error number and the message for the user.
+class ParametroError : public std::runtime_error {
+public:
+    static constexpr std::int32_t kNumber = static_cast<std::int32_t>(0x80040201u);
+    explicit ParametroError(const std::string& description) : std::runtime_error(description) {}
+    std::int32_t number() const { return kNumber; }
+};
+
+class cls_ParametroA {
+public:
+    std::string VCod2DFonteSize;
+    std::string vCod2DRatio;
+    std::string vCod2DNColunas;
+    std::string vCod2DNLinhas;
+    std::string vCod2DErroLevel;
+    std::string vCod2DPDFMode;
+    std::string vCod2DTruncated;
+    std::string vCod2DApplyTilde;
+    std::string vGuiaNVias;
+    std::string vGuiaMargensTopo;
+    std::string vGuiaMargensEsquerda;
+    std::string vCodTerceiro;
+
+    // Takes the first row of the table (an empty cell becomes the empty text); a table never filled
+    // gives the defaults. Nothing is checked here.
+    void PreencheObjecto(const FieldTable& arrParametros);
+
+    // The copy count at least 1, at most 32 columns, an error level of 1 to 8, in that order; the
+    // first that fails throws ParametroError, and a value that is no number throws
+    // std::invalid_argument. Nothing in the headless road calls it.
+    bool Validate() const;
+
+    // There is no table behind this class: both do nothing.
+    void SelectAll() const {}
+    void DoSave() const {}
+};
+
+}  // namespace nimbara

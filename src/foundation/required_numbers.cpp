@@ -1,0 +1,34 @@
+#include "foundation/required_numbers.hpp"
+
+#include <stdexcept>
+
+#include "foundation/text.hpp"
+
+namespace nimbara::text {
+namespace {
+
+template <class Int>
+Int required(std::string_view s, const std::optional<Int>& n)
+{
+    if (n) return *n;
+    if (to_number(s)) throw std::overflow_error("Overflow");
+    throw std::invalid_argument("Type mismatch");
+}
+
+}  // namespace
+
+double require_number(std::string_view s)
+{
+    if (const auto n = to_number(s)) return *n;
+    throw std::invalid_argument("Type mismatch");
+}
+
+std::int16_t require_int16(std::string_view s) { return required(s, to_int16(s)); }
+
+std::int32_t require_int32(std::string_view s) { return required(s, to_int32(s)); }
+
+double require_cell_number(const Cell& cell) { return cell ? require_number(std::string_view(*cell)) : 0.0; }
+
+std::int32_t require_cell_int32(const Cell& cell) { return cell ? require_int32(std::string_view(*cell)) : 0; }
+
+}  // namespace nimbara::text
