@@ -12,11 +12,11 @@ namespace nimbara::cli {
 namespace {
 
 // The report is written without a word when it cannot be, so the folder is checked beforehand.
-std::optional<std::string> unusable_folder(const std::filesystem::path& folder)
+std::optional<std::string> unusable_folder(const std::string& what, const std::filesystem::path& folder)
 {
     std::error_code ec;
-    if (!std::filesystem::is_directory(folder, ec)) return "report folder " + folder.string() + " is not a folder";
-    if (::access(folder.c_str(), W_OK | X_OK) != 0) return "report folder " + folder.string() + " is not writable";
+    if (!std::filesystem::is_directory(folder, ec)) return what + " " + folder.string() + " is not a folder";
+    if (::access(folder.c_str(), W_OK | X_OK) != 0) return what + " " + folder.string() + " is not writable";
     return std::nullopt;
 }
 
@@ -47,9 +47,14 @@ int run_guia(const GuiaRun& run, std::ostream& out, std::ostream& err, const std
 
     cls_ValProdutosA guia;
     if (run.report_dir) guia.setReportFolder(*run.report_dir);
+    if (run.out_dir) guia.setPrintFolder(*run.out_dir);
     guia.setPrintingEnabled(run.printing);
     if (!run.only_printer) {
-        if (const auto problem = unusable_folder(guia.reportFolder())) return refuse(*problem);
+        if (const auto problem = unusable_folder("report folder", guia.reportFolder())) return refuse(*problem);
+    }
+    // Printing failures only reach the print log, so the output folder is checked beforehand too.
+    if (run.printing) {
+        if (const auto problem = unusable_folder("output folder", guia.printFolder())) return refuse(*problem);
     }
     if (const auto refused = fill_guia(guia, file)) return refuse(run.file + ": " + *refused);
 

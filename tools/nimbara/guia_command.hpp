@@ -10,6 +10,7 @@ namespace nimbara::cli {
 struct GuiaRun {
     std::string file;
     std::optional<std::string> report_dir;  // the component's folder when not given
+    std::optional<std::string> out_dir;     // where printed copies go; the report folder when not given
     bool only_printer = false;
     bool printing = true;
 };
