@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "nimbara/cls_ImpressaoA.hpp"
+#include "printed_text.hpp"
+#include "printing/barcode_payload.hpp"
+#include "support/sample_guia.hpp"
+#include "support/temp_folder.hpp"
+#include "symbol_reader.hpp"
+
+using namespace nimbara;
+using nimbara::printing::RecordingSurface;
+using nimbara::testing::add_line;
+using nimbara::testing::add_service;
+using nimbara::testing::LineSpec;
+using nimbara::testing::sample_guia;
+using namespace printing_test;
+
+namespace {
+
+// The head of the sample Guia without its page fields, and a default line's item without services.
+const std::string kHeadStart = "CR050315000000000123000000456000000005123" "0007";
+const std::string kHeadEnd = "SNNN00000770000000000000000000000000";
+const std::string kLine = std::string("01C010000200000100021001") + "0100" + "0" + "0000000000000" + "00" + "000000000";
+
+std::string head(int page, int pages) { return kHeadStart + printing::pad_zero(std::to_string(page), 2) + printing::pad_zero(std::to_string(pages), 2) + kHeadEnd; }
+std::string lines(int n, const std::string& item = kLine + "00")
+{
+    std::string out;
+    while (n-- > 0) out += item;
+    return out;
+}
+
+struct Printed {
+    RecordingSurface surface;
+    std::vector<std::string> symbols;
+    std::string log;
+    std::int32_t forecast = 0;
+};
+
+Printed print(GuiaArrays g)
+{
+    nimbara::testing::TempFolder folder;
+    cls_ImpressaoA printer;
+    printer.set_log_path(folder.path() / "print.log");
+    printer.arrays = std::move(g);
+    Printed out;
+    out.forecast = printer.Calcula_TotalidadePaginas(1027);
+    printer.Imprime_Parte_Variavel("", 1027, 0, out.surface, form_impressao(), 0, 0, 0, "2025-05-03", "2025/1027");
+    out.symbols = recorded_symbols(out.surface);
+    std::ifstream in(folder.path() / "print.log");
+    out.log.assign(std::istreambuf_iterator<char>(in), {});
+    EXPECT_EQ(printer.Str_CodBarrasServEsp, "");
+    EXPECT_EQ(printer.Total_Se_CodBarras, 0);
+    return out;
+}
+
+GuiaArrays guia_of(int n, const LineSpec& line = {})
+{
+    auto g = sample_guia();
+    while (n-- > 0) add_line(g, line);
+    return g;
+}
+
+// The texts printed at one place of the table, in order.
+std::vector<std::string> at(const RecordingSurface& s, double x, double y)
+{
+    std::vector<std::string> out;
+    for (const auto& p : printed_texts(s))
+        if (std::abs(p.x_mm - x) < 0.01 && std::abs(p.y_mm - y) < 0.01) out.push_back(p.text);
+    return out;
+}
+
+}  // namespace
+
+TEST(PageDriver, PagesAndTheirSymbols)
+{
+    const std::string serv3 = "03" + printing::item_servico("1", "0") + printing::item_servico("2", "0") + printing::item_servico("3", "0");
+    auto three = guia_of(1);
+    for (const char* code : {"1", "2", "3"}) add_service(three, 1, code, "0");
+    // Eleven lines, then one with four services on the last row: it moves to the next page, and its
+    // item there has lost its service section and count.
+    auto moved = guia_of(12);
+    for (const char* code : {"1", "2", "3", "4"}) add_service(moved, 12, code, "0");
+    // A "C25" line after a "C03" is the C03's service "25" and makes no item of its own.
+    auto follower = guia_of(1, {.product = "C03", .campaign = {}});
+    add_line(follower, {.product = "C25", .weight = "75", .campaign = {}});
+    const std::string c03 = std::string("01C03") + kLine.substr(5) + "01" + "250000075";
+
+    struct Case { const char* what; GuiaArrays guia; int forecast, new_pages; std::vector<std::string> symbols; };
+    const Case cases[] = {
+        {"twelve lines fill one page", guia_of(12), 1, 0, {head(1, 1) + "12" + lines(12)}},
+        {"thirteen lines take two", guia_of(13), 2, 1, {head(1, 2) + "12" + lines(12), head(2, 2) + "01" + lines(1)}},
+        {"three services without value", three, 1, 0, {head(1, 1) + "01" + kLine + serv3}},
+        {"a line moved off the last row", moved, 2, 1, {head(1, 2) + "11" + lines(11), head(2, 2) + "01" + lines(1)}},
+        {"C25 follower", follower, 1, 0, {head(1, 1) + "01" + c03}},
+    };
+    for (const auto& c : cases) {
+        const auto p = print(c.guia);
+        EXPECT_EQ(p.forecast, c.forecast) << c.what;
+        EXPECT_EQ(p.surface.calls_of("NewPage").size(), static_cast<std::size_t>(c.new_pages)) << c.what;
+        EXPECT_EQ(p.surface.documents_ended(), 1) << c.what;
+        EXPECT_EQ(p.symbols, c.symbols) << c.what;
+        EXPECT_EQ(p.log, "") << c.what;
+    }
+}
+
+TEST(PageDriver, ServiceRowsTakeRowsOfTheirOwn)
+{
+    auto g = guia_of(2);
+    for (const char* code : {"1", "2", "3"}) add_service(g, 1, code, "0");
+    const auto p = print(g);
+    // The first row of services shares its row with the line; the flush of the third moves the
+    // next line one row down.
+    EXPECT_EQ(at(p.surface, 134, 42.5), (std::vector<std::string>{"01"}));
+    EXPECT_EQ(at(p.surface, 130, 42.5), (std::vector<std::string>{"02"}));
+    EXPECT_EQ(at(p.surface, 126, 42.5), (std::vector<std::string>{"03"}));
+    EXPECT_EQ(at(p.surface, 21, 54.5), (std::vector<std::string>{"C01"}));
+    EXPECT_TRUE(at(p.surface, 21, 48.5).empty());
+}
+
+TEST(PageDriver, FormatSwapAndTotal)
+{
+    auto g = guia_of(1, {.product = "C07", .quantity = "1234", .format = "07", .campaign = {}, .tax_quantity = "0"});
+    cls_ImpressaoA printer;
+    printer.arrays = g;
+    RecordingSurface s;
+    printer.Imprime_Parte_Variavel("", 1027, 0, s, form_impressao(), 0, 0, 0, "2025-05-03", "2025/1027");
+    EXPECT_EQ(at(s, 90, 42.5), (std::vector<std::string>{"1"})) << "format column";
+    EXPECT_EQ(printer.arrays.arrGuia.text(guia::Formato, 0), "07") << "the table keeps its value";
+    const auto symbols = recorded_symbols(s);
+    ASSERT_EQ(symbols.size(), 1u);
+    EXPECT_EQ(symbols[0].substr(87, 24), "01C070000200001234011001");
+    const std::vector<std::pair<double, std::string>> digits = {{99.5, "4"}, {95.5, "3"}, {91.5, "2"}, {87.5, "1"}};
+    for (const auto& [x, d] : digits) EXPECT_EQ(at(s, x, 115), std::vector<std::string>{d}) << x;
+}
+
+TEST(PageDriver, CampaignRemarksAndMargins)
+{
+    auto g = guia_of(1);
+    add_line(g, {.campaign = "VERAO"});
+    cls_ImpressaoA printer;
+    printer.arrays = g;
+    RecordingSurface s;
+    printer.Imprime_Parte_Variavel("", 1027, 0, s, form_impressao(), 10, 5, 0, "2025-05-03", "2025/1027");
+    // The remarks are printed again with the campaign of the second row behind the header's.
+    const auto texts = printed_texts(s);
+    EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const PrintedText& t) {
+        return t.text.find("Linha 2- VERAO; ") != std::string::npos;
+    }));
+    // Offsets move the table but not the symbol's right edge.
+    EXPECT_EQ(at(s, 26, 52.5), (std::vector<std::string>{"C01"}));
+    double right = 0, top = 1e9;
+    bool in_symbol = false;
+    for (const auto& c : s.calls()) {
+        if (c.op == "setFontName") in_symbol = c.text.starts_with("PDF417");
+        if (in_symbol && c.op == "Line") right = std::max(right, c.numbers[3]), top = std::min(top, c.numbers[2]);
+    }
+    EXPECT_NEAR(right / 56.7, 261, 1e-9);
+    EXPECT_NEAR(top / 56.7, 12, 1e-9);
+}
+
+TEST(PageDriver, AFaultEndsTheCopyButNotTheJob)
+{
+    auto g = guia_of(2);
+    g.arrGuia.set(guia::D_Quantidade, 1, std::string("12345678"));
+    const auto p = print(g);
+    EXPECT_EQ(p.surface.documents_ended(), 1);
+    EXPECT_TRUE(p.symbols.empty()) << "the page's symbol never came";
+    EXPECT_NE(p.log.find("Imprime_Parte_Variavel-Erro:Invalid procedure call or argument"), std::string::npos) << p.log;
+}
