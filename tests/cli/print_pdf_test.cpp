@@ -1,0 +1,117 @@
+// A Guia file printed by the program: PDF files whose pages, turned into images, carry symbols
+// that read back to the payload built here from the Guia by hand.
+#define ZX_USE_UTF8
+#include <gtest/gtest.h>
+
+#include <ZXing/ReadBarcode.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+
+#include "cli_run.hpp"
+#include "support/temp_folder.hpp"
+
+using nimbara::testing::run;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string read(const fs::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// The symbol of one page of a PDF: the top-right corner rendered at 600 dpi and read back.
+std::string symbol_of(const fs::path& pdf, int page, const fs::path& work)
+{
+    constexpr double dpi = 600;
+    const auto px = [](double mm) { return std::to_string(static_cast<int>(mm / 25.4 * dpi)); };
+    const auto out = work / ("page" + std::to_string(page));
+    const std::string cmd = "pdftoppm -r 600 -gray -singlefile -f " + std::to_string(page) + " -l " +
+                            std::to_string(page) + " -x " + px(150) + " -y " + px(1) + " -W " + px(111.5) + " -H " +
+                            px(18) + " " + pdf.string() + " " + out.string();
+    if (std::system(cmd.c_str()) != 0) return "<pdftoppm failed>";
+    std::string pgm = read(out.string() + ".pgm");
+    // P5, width, height, maximum, then the bytes.
+    std::istringstream header(pgm);
+    std::string magic;
+    int w = 0, h = 0, max = 0;
+    header >> magic >> w >> h >> max;
+    const auto pixels = reinterpret_cast<const std::uint8_t*>(pgm.data() + static_cast<std::size_t>(header.tellg()) + 1);
+    const ZXing::ImageView image(pixels, w, h, ZXing::ImageFormat::Lum);
+    const auto result = ZXing::ReadBarcode(image, ZXing::DecodeHints().setFormats(ZXing::BarcodeFormat::PDF417));
+    return result.isValid() ? result.text() : "<no symbol>";
+}
+
+int pages_of(const fs::path& pdf)
+{
+    const std::string text = read(pdf);
+    const std::regex page(R"(/Type\s*/Page[^s])");
+    return static_cast<int>(std::distance(std::sregex_iterator(text.begin(), text.end(), page), std::sregex_iterator()));
+}
+
+std::string example(const std::string& name) { return std::string(NIMBARA_SOURCE_DIR) + "/examples/" + name; }
+
+// The bundled valid Guia's payload, field by field.
+const std::string kValidGuia =
+    std::string("CR") + "050315" + "000000300042" + "000000456" + "00000000" + "6327" + "1027" + "0101" + "SNNN" +
+    "0000077" + "0000000000" + "000000000000000" + "06" +
+    "01C01000050" "0000300" "021001" "0300" "0" "0000000000000" "00" "000000000" "00" +
+    "01C13000050" "0000150" "031201" "0150" "0" "0000000000000" "00" "000000000" "02" "020000000" "100000000" +
+    "27E01001000" "0000020" "000001" "0020" "0" "0000000000000" "00" "000000000" "01" "020000000" +
+    "01C07000021" "0000120" "001101" "0120" "0" "0000000000000" "00" "000000000" "00" +
+    "03C05000100" "0000500" "201001" "0500" "0" "0000000000000" "00" "000000000" "00" +
+    "01C03000100" "0000300" "001001" "0300" "0" "0000000000000" "00" "000000000" "00";
+
+}  // namespace
+
+TEST(PrintPdf, ValidGuiaPrintsOnePageWhoseSymbolReadsBack)
+{
+    nimbara::testing::TempFolder folder;
+    const auto out = folder.path() / "pdf";
+    fs::create_directory(out);
+    const auto r = run("print " + example("valid-guia.json") + " --report-dir " + folder.path().string() +
+                       " --out-dir " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err << r.out;
+    const auto pdf = out / "Guia_2026-1027_via1.pdf";
+    ASSERT_TRUE(fs::exists(pdf));
+    EXPECT_EQ(pages_of(pdf), 1);
+    EXPECT_EQ(symbol_of(pdf, 1, folder.path()), kValidGuia);
+    EXPECT_EQ(r.err, "") << "nothing went to the print log";
+}
+
+TEST(PrintPdf, EachCopyIsAFileAndNoneIsOverwritten)
+{
+    nimbara::testing::TempFolder folder;
+    std::string guia = read(example("fourteen-lines.json"));
+    guia = std::regex_replace(guia, std::regex(R"("vGuiaNVias": "1")"), R"("vGuiaNVias": "2")");
+    const auto file = folder.path() / "two-copies.json";
+    std::ofstream(file) << guia;
+    std::ofstream(folder.path() / "Guia_2026-1027_via1.pdf") << "kept";
+
+    const auto r = run("print " + file.string() + " --report-dir " + folder.path().string());
+    ASSERT_EQ(r.status, 0) << r.err << r.out;
+    EXPECT_EQ(read(folder.path() / "Guia_2026-1027_via1.pdf"), "kept");
+    for (const char* name : {"Guia_2026-1027_via1-2.pdf", "Guia_2026-1027_via2.pdf"}) {
+        const auto pdf = folder.path() / name;
+        ASSERT_TRUE(fs::exists(pdf)) << name;
+        ASSERT_EQ(pages_of(pdf), 2) << name;
+        // Fourteen lines: twelve on the first page, two on the second, page numbers patched in.
+        const std::string first = symbol_of(pdf, 1, folder.path()), second = symbol_of(pdf, 2, folder.path());
+        EXPECT_EQ(first.substr(45, 4) + first.substr(85, 2), "010212") << name << ' ' << first;
+        EXPECT_EQ(second.substr(45, 4) + second.substr(85, 2), "020202") << name << ' ' << second;
+    }
+}
+
+TEST(PrintPdf, UnwritableOutputFolderIsRefused)
+{
+    nimbara::testing::TempFolder folder;
+    const auto r = run("print " + example("valid-guia.json") + " --report-dir " + folder.path().string() +
+                       " --out-dir " + (folder.path() / "missing").string());
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("output folder"), std::string::npos) << r.err;
+    EXPECT_EQ(r.out, "");
+}
