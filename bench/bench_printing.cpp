@@ -1,11 +1,13 @@
-// Printing throughput: the empty form of a page written to PDF, in pages a second.
+// Printing throughput: the empty form of a page, and a whole Guia, written to PDF, in pages a second.
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <filesystem>
 #include <string>
 
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "platform/pdf_surface.hpp"
+#include "support/sample_guia.hpp"
 
 namespace {
 
@@ -31,6 +33,35 @@ void BM_EmptyFormPdf(benchmark::State& state)
     std::filesystem::remove(pdf);
 }
 BENCHMARK(BM_EmptyFormPdf)->Arg(1)->Arg(10)->Unit(benchmark::kMillisecond);
+
+// A twelve-line Guia with services, one copy: one page with its symbol, one print job, a file a time.
+void BM_PrintGuiaPdf(benchmark::State& state)
+{
+    const auto pdf = std::filesystem::temp_directory_path() / ("nimbara-bench-guia-" + std::to_string(::getpid()) + ".pdf");
+    auto guia = nimbara::testing::sample_guia();
+    for (int line = 1; line <= 12; ++line) nimbara::testing::add_line(guia, {.quantity = std::to_string(100 * line), .campaign = {}});
+    for (int line : {1, 4, 7}) nimbara::testing::add_service(guia, line, "6", "0");
+    for (int line : {2, 5, 8, 11}) nimbara::testing::add_service(guia, line, "4", "1250");
+    nimbara::platform::PdfSurface surface([&](int) { return pdf; });
+    const auto& form = nimbara::form_impressao();
+    const auto heap_before = ::mallinfo2().uordblks;
+    std::size_t heap_peak = 0;
+    for (auto _ : state) {
+        nimbara::cls_ImpressaoA printer;
+        printer.arrays = guia;
+        surface.setOrientation(2);
+        surface.setPaperSize(9);
+        printer.Imprime_Parte_Variavel("", 1027, 0, surface, form, 0, 0, 0, "2025-05-03", "2025/1027");
+        heap_peak = std::max(heap_peak, ::mallinfo2().uordblks);
+    }
+    if (surface.page_count() != 1) state.SkipWithError("the Guia did not print on one page");
+    state.SetItemsProcessed(state.iterations());
+    state.counters["pages/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    // What a Guia's print job holds in memory beyond the surface's caches: the pages kept for previews.
+    state.counters["heap KiB"] = static_cast<double>(heap_peak > heap_before ? heap_peak - heap_before : 0) / 1024;
+    std::filesystem::remove(pdf);
+}
+BENCHMARK(BM_PrintGuiaPdf)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
