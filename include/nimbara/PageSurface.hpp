@@ -27,6 +27,15 @@ struct Picture {
     double height_twips() const { return height_px * 15.0; }
 };
 
+// A two-dimensional barcode's modules: rows x columns cells, row-major, 1 for a dark one.
+struct ModuleMatrix {
+    int rows = 0;
+    int columns = 0;
+    std::vector<std::uint8_t> dark;
+
+    bool is_dark(int row, int column) const { return dark[static_cast<std::size_t>(row) * columns + column] != 0; }
+};
+
 // Colours are 24-bit values in the Windows byte order (0x00BBGGRR).
 using Colour = std::int32_t;
 inline constexpr Colour kBlack = 0;
@@ -69,6 +78,13 @@ public:
     virtual void PaintPicture(const Picture& picture, double x, double y) = 0;
     virtual void NewPage() = 0;
     virtual void EndDoc() = 0;
+
+    // Draws the dark modules black, each module_width x module_height twips, from the top-left (x, y).
+    // By default as boxes (Line, flags 20, in the current fill and fore colour), one per run of dark
+    // modules, runs that stand in the same place in consecutive rows joined; a surface that can
+    // place a stencil does it at once.
+    virtual void PaintModules(const ModuleMatrix& modules, double x, double y, double module_width,
+                              double module_height);
 };
 
 }  // namespace nimbara

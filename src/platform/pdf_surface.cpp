@@ -95,7 +95,12 @@ struct PictureOp {
     double x, y, scale;
     SharedSurface image;
 };
-using Op = std::variant<RectOp, EllipseOp, TextOp, PictureOp>;
+// A stencil of modules, one mask pixel a module, stretched to the module's size without smoothing.
+struct ModulesOp {
+    double x, y, module_width, module_height;
+    SharedSurface mask;
+};
+using Op = std::variant<RectOp, EllipseOp, TextOp, PictureOp, ModulesOp>;
 
 struct Page {
     double width = 0, height = 0;  // twips
@@ -186,6 +191,18 @@ struct Replayer {
         cairo_set_source_surface(cr, p.image.get(), 0, 0);
         cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
         cairo_paint(cr);
+        cairo_restore(cr);
+    }
+    void operator()(const ModulesOp& m) const
+    {
+        cairo_save(cr);
+        cairo_translate(cr, m.x, m.y);
+        cairo_scale(cr, m.module_width, m.module_height);
+        cairo_set_source_rgb(cr, 0, 0, 0);
+        cairo_pattern_t* mask = cairo_pattern_create_for_surface(m.mask.get());
+        cairo_pattern_set_filter(mask, CAIRO_FILTER_NEAREST);
+        cairo_mask(cr, mask);
+        cairo_pattern_destroy(mask);
         cairo_restore(cr);
     }
 };
@@ -544,6 +561,21 @@ void PdfSurface::PaintPicture(const Picture& picture, double x, double y)
     }
     auto image = impl_->picture_surface(picture);
     impl_->page().ops.push_back(PictureOp{x, y, 15.0 / picture.oversample, std::move(image)});
+}
+
+// One stencil for the whole symbol: a PDF holds it as a small image rather than thousands of boxes.
+void PdfSurface::PaintModules(const ModuleMatrix& modules, double x, double y, double module_width, double module_height)
+{
+    if (modules.rows <= 0 || modules.columns <= 0) return;
+    SharedSurface mask(cairo_image_surface_create(CAIRO_FORMAT_A8, modules.columns, modules.rows), cairo_surface_destroy);
+    if (cairo_surface_status(mask.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("out of memory for a symbol");
+    cairo_surface_flush(mask.get());
+    auto* base = cairo_image_surface_get_data(mask.get());
+    const int stride = cairo_image_surface_get_stride(mask.get());
+    for (int r = 0; r < modules.rows; ++r)
+        for (int c = 0; c < modules.columns; ++c) base[r * stride + c] = modules.is_dark(r, c) ? 0xFF : 0;
+    cairo_surface_mark_dirty(mask.get());
+    impl_->page().ops.push_back(ModulesOp{x, y, module_width, module_height, std::move(mask)});
 }
 
 void PdfSurface::NewPage()

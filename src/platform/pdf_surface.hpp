@@ -54,6 +54,8 @@ public:
     void Circle(int flags, double x, double y, double radius, Colour colour, double start, double end,
                 double aspect) override;
     void PaintPicture(const Picture& picture, double x, double y) override;
+    void PaintModules(const ModuleMatrix& modules, double x, double y, double module_width,
+                      double module_height) override;
     void NewPage() override;
     // Finishes the job's file; a job that could not be written throws here with the reason, and
     // leaves no file behind.

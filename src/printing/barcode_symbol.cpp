@@ -1,7 +1,6 @@
-// The page's PDF417 symbol, drawn as filled rectangles: the settings of the Guia choose the
+// The page's PDF417 symbol, drawn through the page surface: the settings of the Guia choose the
 // encoding, the size of a module and the height of a row.
 #include <cmath>
-#include <vector>
 
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
@@ -9,46 +8,6 @@
 #include "platform/pdf417_encoder.hpp"
 
 namespace nimbara {
-namespace {
-
-// A run of dark modules [first, last) that goes down from row `top`.
-struct Bar {
-    int first, last, top;
-};
-
-// Draws the matrix with its top-left at (x, y) twips. Runs of dark modules that stand in the same
-// place in consecutive rows (the start and stop patterns, above all) become one rectangle.
-void draw_modules(PageSurface& s, const platform::Pdf417Symbol& symbol, double x, double y, double module,
-                  double row_height)
-{
-    const auto box = [&](const Bar& b, int bottom) {
-        s.Line(20, x + b.first * module, y + b.top * row_height, x + b.last * module, y + bottom * row_height, kBlack);
-    };
-    std::vector<Bar> open, next;
-    for (int r = 0; r < symbol.rows; ++r) {
-        next.clear();
-        std::size_t k = 0;
-        for (int c = 0; c < symbol.width;) {
-            if (!symbol.dark(r, c)) {
-                ++c;
-                continue;
-            }
-            const int first = c;
-            while (c < symbol.width && symbol.dark(r, c)) ++c;
-            // Both lists run left to right, so the bars of the row above are met in order.
-            while (k < open.size() && open[k].first < first) box(open[k++], r);
-            if (k < open.size() && open[k].first == first && open[k].last == c)
-                next.push_back(open[k++]);
-            else
-                next.push_back({first, c, r});
-        }
-        while (k < open.size()) box(open[k++], r);
-        open.swap(next);
-    }
-    for (const auto& b : open) box(b, symbol.rows);
-}
-
-}  // namespace
 
 void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string& DataToEncode)
 {
@@ -60,7 +19,7 @@ void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string&
             text::require_int32(parametros.vCod2DErroLevel), text::require_int32(parametros.vCod2DNColunas),
             text::require_int32(parametros.vCod2DNLinhas),   parametros.vCod2DTruncated == "1",
             text::require_int32(parametros.vCod2DPDFMode),   parametros.vCod2DApplyTilde == "1"};
-        const auto symbol = platform::encode_pdf417(DataToEncode, options);
+        auto symbol = platform::encode_pdf417(DataToEncode, options);
 
         const double font_size = std::floor(text::require_number(parametros.VCod2DFonteSize)) * 2 + 4;
         s.setFontSize(font_size);
@@ -74,11 +33,13 @@ void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string&
         const double module = font_size / 40 * kTwipsPerMm;
         // Right-aligned to 261 mm of the sheet, whatever the left margin.
         const double left = 261 * kTwipsPerMm - symbol.width * module;
+        const double bottom = top + symbol.rows * row_modules * module;
         s.setFillColor(kBlack);
         s.setFillStyle(0);
-        draw_modules(s, symbol, left, top, module, row_modules * module);
+        s.PaintModules(ModuleMatrix{symbol.rows, symbol.width, std::move(symbol.modules)}, left, top, module,
+                       row_modules * module);
         s.setCurrentX(0);
-        s.setCurrentY(top + symbol.rows * row_modules * module);
+        s.setCurrentY(bottom);
 
         s.setFontSize(8);
         s.setFontName("Arial");
