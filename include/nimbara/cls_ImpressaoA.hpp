@@ -80,6 +80,8 @@ private:
     void pageTop(Via& via, PageSurface& s, const FormImpressao& imagens);
     void printLine(Via& via, PageSurface& s, const FormImpressao& imagens);
     void printServices(Via& via, PageSurface& s, const FormImpressao& imagens);
+    // A finished page's counts and symbol lines, forgotten when the next page starts.
+    void forgetPage(Via& via);
     void turnPage(Via& via, PageSurface& s, const FormImpressao& imagens, bool count_first);
     void finishSymbol(Via& via, PageSurface& s);
     void detailOfLine(PageSurface& s, int row, std::int32_t y);

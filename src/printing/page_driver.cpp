@@ -141,6 +141,16 @@ void cls_ImpressaoA::finishSymbol(Via& via, PageSurface& s)
                                                 via.codigoLinhas));
 }
 
+void cls_ImpressaoA::forgetPage(Via& via)
+{
+    via.nSemCodigo = 0;
+    via.nExtra = 0;
+    via.nLinhas = 0;
+    Total_Se_CodBarras = 0;
+    via.codigoLinhas.clear();
+    Str_CodBarrasServEsp.clear();
+}
+
 // A page turned in the middle of a line's services. Turns that count the page first write the
 // next page's number into the finished page's symbol, as they always have.
 void cls_ImpressaoA::turnPage(Via& via, PageSurface& s, const FormImpressao& imagens, bool count_first)
@@ -148,12 +158,7 @@ void cls_ImpressaoA::turnPage(Via& via, PageSurface& s, const FormImpressao& ima
     if (count_first) ++via.pag;
     finishSymbol(via, s);
     if (!count_first) ++via.pag;
-    via.nSemCodigo = 0;
-    via.nExtra = 0;
-    via.nLinhas = 0;
-    Total_Se_CodBarras = 0;
-    via.codigoLinhas.clear();
-    Str_CodBarrasServEsp.clear();
+    forgetPage(via);
     s.NewPage();
     via.yLinha = kFirstRowY;
     pageTop(via, s, imagens);
@@ -292,12 +297,7 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
         (services.row_count() > 3 || CountSEspeciaisComValor(services) >= 2)) {
         Apaga_RegsUltima_linha(s);
         finishSymbol(via, s);
-        via.nSemCodigo = 0;
-        via.nExtra = 0;
-        via.nLinhas = 0;
-        Total_Se_CodBarras = 0;
-        via.codigoLinhas.clear();
-        Str_CodBarrasServEsp.clear();
+        forgetPage(via);
         via.yLinha = kFirstRowY;
         via.yServ = kFirstRowY;
         s.NewPage();
@@ -391,6 +391,8 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
         s.EndDoc();
     } catch (const std::exception& e) {
         WriteLog(std::string("Imprime_Parte_Variavel-Erro:") + e.what());
+        Total_Se_CodBarras = 0;
+        Str_CodBarrasServEsp.clear();
         // The job ends in any case, so that the pages already drawn come out.
         guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
     }
