@@ -34,6 +34,13 @@ void centred_text(cairo_t* cr, const std::string& text, const char* family, bool
                   std::uint32_t rgb, Turn turn = Turn::None, double room = 1e9)
 {
     std::unique_ptr<PangoLayout, decltype(&g_object_unref)> layout(pango_cairo_create_layout(cr), g_object_unref);
+    // The same unhinted font options as the page's text, so that a PDF embeds each font once.
+    std::unique_ptr<cairo_font_options_t, decltype(&cairo_font_options_destroy)> options(cairo_font_options_create(),
+                                                                                        cairo_font_options_destroy);
+    cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+    pango_cairo_context_set_font_options(pango_layout_get_context(layout.get()), options.get());
+    pango_layout_context_changed(layout.get());
     std::unique_ptr<PangoFontDescription, decltype(&pango_font_description_free)> desc(pango_font_description_new(),
                                                                                         pango_font_description_free);
     pango_font_description_set_family(desc.get(), family);
