@@ -26,7 +26,7 @@ struct Drawn {
     std::string font_after;
 };
 
-Drawn draw(int param, const std::string& value)
+Drawn draw(int param, const std::string& value, const std::string& payload = kPayload)
 {
     nimbara::testing::TempFolder folder;
     cls_ImpressaoA printer;
@@ -34,7 +34,7 @@ Drawn draw(int param, const std::string& value)
     printer.arrays = nimbara::testing::sample_guia();
     printer.arrays.arrParametros.set(param, 0, value);
     RecordingSurface s;
-    printer.PrintCreatedPDF(s, kPayload);
+    printer.PrintCreatedPDF(s, payload);
     Drawn d;
     for (const auto& c : s.calls()) {
         if (c.op == "setFontName" && c.text.starts_with("PDF417")) d.font = c.text;
@@ -78,9 +78,16 @@ TEST(PrintCreatedPDF, SettingsShapeTheSymbol)
 
 TEST(PrintCreatedPDF, BundledSettingsFitAboveTheTopRightPanel)
 {
-    const auto d = draw(param::vCod2DRatio, "0");
-    EXPECT_LT(d.bottom_mm, 19.1) << "the grey panel starts at 19.1 mm";
-    EXPECT_GT(d.left_mm, 141) << "the request date's frame ends at 141 mm";
+    // The fullest page: twelve lines, each with the three valueless services that still fit its row.
+    std::string full_page = kPayload.substr(0, 85) + "12";
+    for (int line = 0; line < 12; ++line)
+        full_page += "01C01000050000030002100000" + std::string(27, '0') + "03" + std::string(3 * 9, '0');
+    for (const auto& payload : {kPayload, full_page}) {
+        const auto d = draw(param::vCod2DRatio, "0", payload);
+        EXPECT_EQ(d.symbols, std::vector<std::string>{payload});
+        EXPECT_LT(d.bottom_mm, 19.1) << "the grey panel starts at 19.1 mm; payload of " << payload.size();
+        EXPECT_GT(d.left_mm, 141) << "the request date's frame ends at 141 mm";
+    }
 }
 
 TEST(PrintCreatedPDF, FailuresAreLoggedAndLeaveNoSymbol)

@@ -25,7 +25,7 @@ GuiaArrays sample_guia()
     cab(cab::NDoc, "2025/1027");
     cab(cab::IDReqAnual, "7");
     cab(cab::TipoAcesso, "0");
-    const char* params[] = {"3", "0", "10", "0", "2", "0", "0", "0", "1", "0", "0", "0"};
+    const char* params[] = {"3", "0", "16", "0", "2", "0", "0", "0", "1", "0", "0", "0"};
     for (int f = 0; f < param::kFields; ++f) g.arrParametros.set(f, 0, std::string(params[f]));
     return g;
 }
