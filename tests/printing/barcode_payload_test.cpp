@@ -9,7 +9,7 @@
 using namespace nimbara;
 using namespace nimbara::printing;
 using nimbara::testing::add_line;
-using nimbara::testing::LineSpec;
+using nimbara::testing::LineShape;
 using nimbara::testing::sample_guia;
 
 namespace {

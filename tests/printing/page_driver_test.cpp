@@ -14,7 +14,7 @@ using namespace nimbara;
 using nimbara::printing::RecordingSurface;
 using nimbara::testing::add_line;
 using nimbara::testing::add_service;
-using nimbara::testing::LineSpec;
+using nimbara::testing::LineShape;
 using nimbara::testing::sample_guia;
 using namespace printing_test;
 
@@ -57,7 +57,7 @@ Printed print(GuiaArrays g)
     return out;
 }
 
-GuiaArrays guia_of(int n, const LineSpec& line = {})
+GuiaArrays guia_of(int n, const LineShape& line = {})
 {
     auto g = sample_guia();
     while (n-- > 0) add_line(g, line);

@@ -30,7 +30,7 @@ GuiaArrays sample_guia()
     return g;
 }
 
-int add_line(GuiaArrays& g, const LineSpec& l)
+int add_line(GuiaArrays& g, const LineShape& l)
 {
     const int row = g.arrGuia.add_row();
     const auto set = [&](int field, const std::string& v) { g.arrGuia.set(field, row, v); };

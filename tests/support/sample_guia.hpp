@@ -8,7 +8,7 @@
 
 namespace nimbara::testing {
 
-struct LineSpec {
+struct LineShape {
     std::string product = "C01";
     std::string quantity = "100";
     std::string zone = "01";
@@ -23,7 +23,7 @@ struct LineSpec {
 GuiaArrays sample_guia();
 
 // Adds a product line numbered after the lines already there; answers its line number.
-int add_line(GuiaArrays& g, const LineSpec& line = {});
+int add_line(GuiaArrays& g, const LineShape& line = {});
 void add_service(GuiaArrays& g, int line, const std::string& code, const std::string& value);
 
 }  // namespace nimbara::testing

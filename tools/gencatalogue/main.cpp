@@ -55,7 +55,7 @@ int main(int argc, char** argv)
         const std::string table_text = read_file(data / "rules.tsv");
         const std::string specs_text = read_file(data / "documents.tsv");
         const auto table = nimbara::rules::parse_rule_table(table_text);
-        const auto specs = nimbara::rules::parse_document_specs(specs_text);
+        const auto shapes = nimbara::rules::parse_document_specs(specs_text);
         const std::string designations_text = read_file(data / "designations.tsv");
         const nimbara::rules::Designations designations(designations_text);
         const auto lists = nimbara::rules::parse_value_lists(read_file(data / "value_lists.tsv"));
@@ -75,18 +75,18 @@ int main(int argc, char** argv)
         }
         out << "};\nconst std::size_t kRuleTableSize = " << table.size() << ";\n\n"
             << "const NamedDocument kDocuments[] = {\n";
-        for (const auto& spec : specs)
-            out << "    {" << quoted(spec.function) << ", " << literal(nimbara::rules::build_rule_document(spec, table)) << "},\n";
+        for (const auto& shape : shapes)
+            out << "    {" << quoted(shape.function) << ", " << literal(nimbara::rules::build_rule_document(shape, table)) << "},\n";
         for (const auto& list : lists)
             out << "    {" << quoted(list.function) << ", " << literal(nimbara::rules::build_value_list(list, designations)) << "},\n";
-        for (const auto& spec : possible_values)
-            out << "    {" << quoted(spec.function) << ", "
-                << literal(nimbara::rules::build_possible_value_document(spec, table, designations)) << "},\n";
-        out << "};\nconst std::size_t kDocumentCount = " << specs.size() + lists.size() + possible_values.size() << ";\n\n"
+        for (const auto& shape : possible_values)
+            out << "    {" << quoted(shape.function) << ", "
+                << literal(nimbara::rules::build_possible_value_document(shape, table, designations)) << "},\n";
+        out << "};\nconst std::size_t kDocumentCount = " << shapes.size() + lists.size() + possible_values.size() << ";\n\n"
             << "const RepeatedRow kRepeatedRows[] = {\n";
         std::size_t repeats = 0;
-        for (const auto& spec : specs) {
-            if (const auto r = nimbara::rules::repeated_row(spec, table)) {
+        for (const auto& shape : shapes) {
+            if (const auto r = nimbara::rules::repeated_row(shape, table)) {
                 out << "    {Dimension{" << static_cast<std::size_t>(r->dimension) << "}, " << r->id << ", " << quoted(r->code) << "},\n";
                 ++repeats;
             }

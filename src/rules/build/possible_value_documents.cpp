@@ -10,7 +10,7 @@
 namespace nimbara::rules {
 namespace {
 
-using Source = PossibleValueSpec::Source;
+using Source = PossibleValueShape::Source;
 
 [[noreturn]] void fail(std::string_view file, std::size_t line, const std::string& what)
 {
@@ -44,62 +44,62 @@ Source parse_source(std::string_view text, std::size_t line)
 
 }  // namespace
 
-std::vector<PossibleValueSpec> parse_possible_value_specs(std::string_view specs_text, std::string_view left_out_text)
+std::vector<PossibleValueShape> parse_possible_value_specs(std::string_view specs_text, std::string_view left_out_text)
 {
-    std::vector<PossibleValueSpec> specs;
+    std::vector<PossibleValueShape> shapes;
     for (const TsvLine& line : read_tsv(specs_text, "possible_values.tsv")) {
         const auto& f = line.fields;
         if (f.size() != 5) fail("possible_values.tsv", line.number, "expected Function, Tags, Plain, Omitted and Order");
         if (f[4] != "rules" && f[4] != "sorted") fail("possible_values.tsv", line.number, "Order must be rules or sorted");
-        PossibleValueSpec spec{std::string(f[0]), {}, f[4] == "sorted", {}};
+        PossibleValueShape shape{std::string(f[0]), {}, f[4] == "sorted", {}};
         const auto plain = words(f[2]), omitted = words(f[3]);
         for (const auto entry : words(f[1])) {
             const auto eq = entry.find('=');
             if (eq == std::string_view::npos) fail("possible_values.tsv", line.number, "tag without a source: " + std::string(entry));
             const auto name = entry.substr(0, eq);
-            spec.tags.push_back({std::string(name), parse_source(entry.substr(eq + 1), line.number),
+            shape.tags.push_back({std::string(name), parse_source(entry.substr(eq + 1), line.number),
                                  std::ranges::count(plain, name) ? ValueForm::Plain : ValueForm::CData,
                                  std::ranges::count(omitted, name) > 0});
         }
-        const auto has_tag = [&](std::string_view tag) { return std::ranges::any_of(spec.tags, [&](const auto& t) { return t.name == tag; }); };
+        const auto has_tag = [&](std::string_view tag) { return std::ranges::any_of(shape.tags, [&](const auto& t) { return t.name == tag; }); };
         for (const auto tag : plain)
             if (!has_tag(tag)) fail("possible_values.tsv", line.number, "no tag " + std::string(tag));
         for (const auto tag : omitted)
             if (!has_tag(tag)) fail("possible_values.tsv", line.number, "no tag " + std::string(tag));
-        specs.push_back(std::move(spec));
+        shapes.push_back(std::move(shape));
     }
 
     for (const TsvLine& line : read_tsv(left_out_text, "possible_values_left_out.tsv")) {
         const auto& f = line.fields;
         if (f.size() != 3) fail("possible_values_left_out.tsv", line.number, "expected Function, Rule and Zones");
-        const auto spec = std::ranges::find_if(specs, [&](const auto& s) { return s.function == f[0]; });
-        if (spec == specs.end()) fail("possible_values_left_out.tsv", line.number, "unknown document " + std::string(f[0]));
-        PossibleValueSpec::LeftOut left_out;
+        const auto shape = std::ranges::find_if(shapes, [&](const auto& s) { return s.function == f[0]; });
+        if (shape == shapes.end()) fail("possible_values_left_out.tsv", line.number, "unknown document " + std::string(f[0]));
+        PossibleValueShape::LeftOut left_out;
         const auto [end, ec] = std::from_chars(f[1].data(), f[1].data() + f[1].size(), left_out.rule);
         if (ec != std::errc{} || end != f[1].data() + f[1].size())
             fail("possible_values_left_out.tsv", line.number, "Rule is not a whole number");
         for (const auto zone : words(f[2])) left_out.zones.emplace_back(zone);
-        spec->left_out.push_back(std::move(left_out));
+        shape->left_out.push_back(std::move(left_out));
     }
-    return specs;
+    return shapes;
 }
 
-std::string build_possible_value_document(const PossibleValueSpec& spec, const std::vector<RuleRow>& table,
+std::string build_possible_value_document(const PossibleValueShape& shape, const std::vector<RuleRow>& table,
                                           const Designations& designations)
 {
     // The dimensions joined, in table order, and for each tag the position of its dimension among them.
     std::vector<Dimension> joined;
-    for (const auto& tag : spec.tags)
+    for (const auto& tag : shape.tags)
         if ((tag.source.kind == Source::Kind::Code || tag.source.kind == Source::Kind::Label) &&
             std::ranges::find(joined, tag.source.dimension) == joined.end())
             joined.push_back(tag.source.dimension);
     std::ranges::sort(joined);
     const auto position = [&](Dimension d) { return static_cast<std::size_t>(std::ranges::find(joined, d) - joined.begin()); };
     const auto zone_at = position(Dimension::Zone);
-    if (!spec.left_out.empty() && zone_at == joined.size())
-        throw std::runtime_error(spec.function + " leaves out rows by zone but joins no zone");
+    if (!shape.left_out.empty() && zone_at == joined.size())
+        throw std::runtime_error(shape.function + " leaves out rows by zone but joins no zone");
 
-    std::vector<std::size_t> removed(spec.left_out.size(), 0);
+    std::vector<std::size_t> removed(shape.left_out.size(), 0);
     std::set<std::vector<std::string>> seen;
     std::vector<std::vector<std::string>> rows;
     for (const RuleRow& rule : table) {
@@ -110,15 +110,15 @@ std::string build_possible_value_document(const PossibleValueSpec& spec, const s
 
         std::vector<std::size_t> at(joined.size(), 0);  // an odometer over the rule's code lists
         while (true) {
-            std::size_t hit = spec.left_out.size();
-            for (std::size_t i = 0; i < spec.left_out.size(); ++i)
-                if (spec.left_out[i].rule == rule.id && std::ranges::count(spec.left_out[i].zones, lists[zone_at][at[zone_at]]))
+            std::size_t hit = shape.left_out.size();
+            for (std::size_t i = 0; i < shape.left_out.size(); ++i)
+                if (shape.left_out[i].rule == rule.id && std::ranges::count(shape.left_out[i].zones, lists[zone_at][at[zone_at]]))
                     hit = i;
-            if (hit < spec.left_out.size()) {
+            if (hit < shape.left_out.size()) {
                 ++removed[hit];
             } else {
                 std::vector<std::string> values;
-                for (const auto& tag : spec.tags) {
+                for (const auto& tag : shape.tags) {
                     const auto& s = tag.source;
                     switch (s.kind) {
                     case Source::Kind::Empty: values.emplace_back(); break;
@@ -141,15 +141,15 @@ std::string build_possible_value_document(const PossibleValueSpec& spec, const s
     }
     for (std::size_t i = 0; i < removed.size(); ++i)
         if (removed[i] == 0)
-            throw std::runtime_error(spec.function + ": the left-out rows of rule " + std::to_string(spec.left_out[i].rule) +
+            throw std::runtime_error(shape.function + ": the left-out rows of rule " + std::to_string(shape.left_out[i].rule) +
                                      " are not in the join");
-    if (spec.sorted) std::ranges::sort(rows);
+    if (shape.sorted) std::ranges::sort(rows);
 
     std::vector<std::string> items;
     for (const auto& row : rows) {
         std::vector<TaggedValue> tagged;
-        for (std::size_t i = 0; i < spec.tags.size(); ++i)
-            if (!(spec.tags[i].omitted_when_empty && row[i].empty())) tagged.push_back({spec.tags[i].name, row[i], spec.tags[i].form});
+        for (std::size_t i = 0; i < shape.tags.size(); ++i)
+            if (!(shape.tags[i].omitted_when_empty && row[i].empty())) tagged.push_back({shape.tags[i].name, row[i], shape.tags[i].form});
         items.push_back(item_text(tagged));
     }
     return list_text(items, true);

@@ -11,7 +11,7 @@
 
 namespace nimbara::rules {
 
-struct PossibleValueSpec {
+struct PossibleValueShape {
     // Where a tag's value comes from: a field of the rule, a dimension's code or its label, or nothing.
     struct Source {
         enum class Kind { Empty, Id, Product, Min, Max, Code, Label };
@@ -38,11 +38,11 @@ struct PossibleValueSpec {
 
 // Throws std::runtime_error naming the file and line of a malformed entry, or a left-out entry for
 // a document that does not exist.
-std::vector<PossibleValueSpec> parse_possible_value_specs(std::string_view specs_text, std::string_view left_out_text);
+std::vector<PossibleValueShape> parse_possible_value_specs(std::string_view specs_text, std::string_view left_out_text);
 
 // The document's text, its last row written twice; mixed case kept. Throws when a left-out entry
 // removes nothing, since the data then no longer says what it means.
-std::string build_possible_value_document(const PossibleValueSpec& spec, const std::vector<RuleRow>& table,
+std::string build_possible_value_document(const PossibleValueShape& shape, const std::vector<RuleRow>& table,
                                           const Designations& designations);
 
 }  // namespace nimbara::rules

@@ -67,86 +67,86 @@ std::vector<RuleRow> parse_rule_table(std::string_view text)
     return rows;
 }
 
-std::vector<DocumentSpec> parse_document_specs(std::string_view text)
+std::vector<DocumentShape> parse_document_specs(std::string_view text)
 {
     constexpr std::string_view file = "documents.tsv";
-    std::vector<DocumentSpec> specs;
+    std::vector<DocumentShape> shapes;
     for (const TsvLine& line : read_tsv(text, file)) {
         const auto& f = line.fields;
         if (f.size() != 4) fail(file, line.number, "expected 4 columns");
-        DocumentSpec spec;
-        spec.function = std::string(f[0]);
+        DocumentShape shape;
+        shape.function = std::string(f[0]);
         if (f[1] == "Act") {
-            spec.kind = DocumentSpec::Kind::RuleList;
+            shape.kind = DocumentShape::Kind::RuleList;
         } else if (f[1] == "Min") {
-            spec.kind = DocumentSpec::Kind::Weight;
+            shape.kind = DocumentShape::Kind::Weight;
         } else {
             const auto dimension = dimension_of_column(f[1]);
             if (!dimension) fail(file, line.number, "unknown column \"" + std::string(f[1]) + "\"");
-            spec.dimension = *dimension;
+            shape.dimension = *dimension;
         }
-        for_each_code(f[2], [&](std::string_view tag) { spec.tags.emplace_back(tag); });
+        for_each_code(f[2], [&](std::string_view tag) { shape.tags.emplace_back(tag); });
         if (f[3] == "none") {
-            spec.repeat = DocumentSpec::Repeat::None;
+            shape.repeat = DocumentShape::Repeat::None;
         } else if (f[3] == "last") {
-            spec.repeat = DocumentSpec::Repeat::Last;
+            shape.repeat = DocumentShape::Repeat::Last;
         } else {
             const auto blank = f[3].find(' ');
             if (blank == std::string_view::npos) fail(file, line.number, "Repeat must be none, last or \"ID CODE\"");
-            spec.repeat = DocumentSpec::Repeat::Row;
-            spec.repeat_id = to_int(f[3].substr(0, blank), file, line.number, "Repeat");
-            spec.repeat_code = std::string(f[3].substr(blank + 1));
+            shape.repeat = DocumentShape::Repeat::Row;
+            shape.repeat_id = to_int(f[3].substr(0, blank), file, line.number, "Repeat");
+            shape.repeat_code = std::string(f[3].substr(blank + 1));
         }
-        const std::size_t expected = spec.kind == DocumentSpec::Kind::Weight ? 4 : spec.kind == DocumentSpec::Kind::RuleList ? 3 : 2;
-        if (spec.tags.size() != expected) fail(file, line.number, "wrong number of tags");
-        specs.push_back(std::move(spec));
+        const std::size_t expected = shape.kind == DocumentShape::Kind::Weight ? 4 : shape.kind == DocumentShape::Kind::RuleList ? 3 : 2;
+        if (shape.tags.size() != expected) fail(file, line.number, "wrong number of tags");
+        shapes.push_back(std::move(shape));
     }
-    return specs;
+    return shapes;
 }
 
-std::optional<RepeatedRow> repeated_row(const DocumentSpec& spec, const std::vector<RuleRow>& table)
+std::optional<RepeatedRow> repeated_row(const DocumentShape& shape, const std::vector<RuleRow>& table)
 {
-    if (spec.kind != DocumentSpec::Kind::Dimension || spec.repeat == DocumentSpec::Repeat::None) return std::nullopt;
-    if (spec.repeat == DocumentSpec::Repeat::Row) return RepeatedRow{spec.dimension, spec.repeat_id, spec.repeat_code};
+    if (shape.kind != DocumentShape::Kind::Dimension || shape.repeat == DocumentShape::Repeat::None) return std::nullopt;
+    if (shape.repeat == DocumentShape::Repeat::Row) return RepeatedRow{shape.dimension, shape.repeat_id, shape.repeat_code};
     std::optional<RepeatedRow> last;
     for (const RuleRow& row : table)
-        for_each_code(row.codes_of(spec.dimension), [&](std::string_view code) { last = RepeatedRow{spec.dimension, row.id, code}; });
+        for_each_code(row.codes_of(shape.dimension), [&](std::string_view code) { last = RepeatedRow{shape.dimension, row.id, code}; });
     return last;
 }
 
-std::string build_rule_document(const DocumentSpec& spec, const std::vector<RuleRow>& table)
+std::string build_rule_document(const DocumentShape& shape, const std::vector<RuleRow>& table)
 {
     std::vector<std::string> items;
     std::optional<std::size_t> repeated;
     for (const RuleRow& row : table) {
         const std::string id = std::to_string(row.id);
-        switch (spec.kind) {
-        case DocumentSpec::Kind::RuleList:
+        switch (shape.kind) {
+        case DocumentShape::Kind::RuleList:
             if (row.in_rule_list())
-                items.push_back(item(spec.tags, {id, row.product, row.listing == Listing::Active ? "True" : "False"}));
+                items.push_back(item(shape.tags, {id, row.product, row.listing == Listing::Active ? "True" : "False"}));
             break;
-        case DocumentSpec::Kind::Weight:
+        case DocumentShape::Kind::Weight:
             if (row.in_rule_list())
-                items.push_back(item(spec.tags, {id, std::to_string(row.min), std::to_string(row.max), row.product}));
+                items.push_back(item(shape.tags, {id, std::to_string(row.min), std::to_string(row.max), row.product}));
             break;
-        case DocumentSpec::Kind::Dimension:
-            for_each_code(row.codes_of(spec.dimension), [&](std::string_view code) {
-                if (spec.repeat == DocumentSpec::Repeat::Row && row.id == spec.repeat_id && code == spec.repeat_code)
+        case DocumentShape::Kind::Dimension:
+            for_each_code(row.codes_of(shape.dimension), [&](std::string_view code) {
+                if (shape.repeat == DocumentShape::Repeat::Row && row.id == shape.repeat_id && code == shape.repeat_code)
                     repeated = items.size();
-                items.push_back(item(spec.tags, {code, id}));
+                items.push_back(item(shape.tags, {code, id}));
             });
             break;
         }
     }
-    if (spec.repeat == DocumentSpec::Repeat::Row) {
+    if (shape.repeat == DocumentShape::Repeat::Row) {
         if (!repeated)
-            throw std::runtime_error(spec.function + ": the row to repeat, " + std::to_string(spec.repeat_id) + " " +
-                                     spec.repeat_code + ", is not in the table");
+            throw std::runtime_error(shape.function + ": the row to repeat, " + std::to_string(shape.repeat_id) + " " +
+                                     shape.repeat_code + ", is not in the table");
         std::string moved = std::move(items[*repeated]);
         items.erase(items.begin() + static_cast<std::ptrdiff_t>(*repeated));
         items.push_back(moved);
     }
-    return text::to_upper(list_text(items, spec.repeat != DocumentSpec::Repeat::None));
+    return text::to_upper(list_text(items, shape.repeat != DocumentShape::Repeat::None));
 }
 
 }  // namespace nimbara::rules

@@ -58,7 +58,7 @@ std::vector<RuleRow> parse_rule_table(std::string_view text);
 
 // One rule document: its function name, the dimension it lists (none for the rule list and the
 // weight document), its tags, and which row it writes twice before the closing tag.
-struct DocumentSpec {
+struct DocumentShape {
     enum class Kind { RuleList, Weight, Dimension };
     enum class Repeat { None, Last, Row };
 
@@ -71,7 +71,7 @@ struct DocumentSpec {
     std::string repeat_code;      // for Repeat::Row
 };
 
-std::vector<DocumentSpec> parse_document_specs(std::string_view text);
+std::vector<DocumentShape> parse_document_specs(std::string_view text);
 
 // A dimension row that a document writes twice before its closing tag.
 struct RepeatedRow {
@@ -80,10 +80,10 @@ struct RepeatedRow {
     std::string_view code;
 };
 
-// The row a dimension document repeats, if it repeats one; its code points into the table or the spec.
-std::optional<RepeatedRow> repeated_row(const DocumentSpec& spec, const std::vector<RuleRow>& table);
+// The row a dimension document repeats, if it repeats one; its code points into the table or the shape.
+std::optional<RepeatedRow> repeated_row(const DocumentShape& shape, const std::vector<RuleRow>& table);
 
 // The document's text exactly as published: no declaration, no blanks between tags, in capitals.
-std::string build_rule_document(const DocumentSpec& spec, const std::vector<RuleRow>& table);
+std::string build_rule_document(const DocumentShape& shape, const std::vector<RuleRow>& table);
 
 }  // namespace nimbara::rules

@@ -8,17 +8,17 @@
 
 namespace nimbara::rules {
 
-std::vector<ValueListSpec> parse_value_lists(std::string_view text)
+std::vector<ValueListShape> parse_value_lists(std::string_view text)
 {
-    std::vector<ValueListSpec> lists;
+    std::vector<ValueListShape> lists;
     for (const TsvLine& line : read_tsv(text, "value_lists.tsv")) {
         const auto& f = line.fields;
         const std::string where = "value_lists.tsv:" + std::to_string(line.number) + ": ";
         if (f.size() != 4) throw std::runtime_error(where + "expected Function, Labels, Codes and Repeat");
         if (f[3] != "last" && f[3] != "none") throw std::runtime_error(where + "Repeat must be last or none");
-        ValueListSpec list{std::string(f[0]), {}, f[3] == "last"};
+        ValueListShape list{std::string(f[0]), {}, f[3] == "last"};
         for_each_code(f[2], [&](std::string_view entry) {
-            ValueListSpec::Row row;
+            ValueListShape::Row row;
             if (entry.starts_with('!')) {
                 row.active = false;
                 entry.remove_prefix(1);
@@ -34,7 +34,7 @@ std::vector<ValueListSpec> parse_value_lists(std::string_view text)
     return lists;
 }
 
-std::string build_value_list(const ValueListSpec& spec, const Designations& designations)
+std::string build_value_list(const ValueListShape& shape, const Designations& designations)
 {
     const auto item = [](std::string_view code, std::string_view label, bool active) {
         const TaggedValue values[] = {{"CODIGO", code},
@@ -44,8 +44,8 @@ std::string build_value_list(const ValueListSpec& spec, const Designations& desi
         return item_text(values);
     };
     std::vector<std::string> items{item("0", "", true)};
-    for (const auto& row : spec.rows) items.push_back(item(row.code, designations.label(row.label_set, row.code), row.active));
-    return list_text(items, spec.repeat_last);
+    for (const auto& row : shape.rows) items.push_back(item(row.code, designations.label(row.label_set, row.code), row.active));
+    return list_text(items, shape.repeat_last);
 }
 
 }  // namespace nimbara::rules

@@ -8,7 +8,7 @@
 
 namespace nimbara::rules {
 
-struct ValueListSpec {
+struct ValueListShape {
     struct Row {
         std::string code;
         std::string label_set;  // the designation set that labels the code
@@ -20,10 +20,10 @@ struct ValueListSpec {
 };
 
 // Throws std::runtime_error naming the line of a malformed list.
-std::vector<ValueListSpec> parse_value_lists(std::string_view text);
+std::vector<ValueListShape> parse_value_lists(std::string_view text);
 
 // The list's text: row 0 (code "0", empty designation, active), then its rows; designations and
 // remarks in CDATA, codes and flags plain; mixed case kept.
-std::string build_value_list(const ValueListSpec& spec, const Designations& designations);
+std::string build_value_list(const ValueListShape& shape, const Designations& designations);
 
 }  // namespace nimbara::rules
