@@ -12,6 +12,13 @@ std::span<const RuleRow> rule_table() { return {generated::kRuleTable, generated
 
 std::span<const RepeatedRow> repeated_rows() { return {generated::kRepeatedRows, generated::kRepeatedRowCount}; }
 
+const PossibleValueTable& possible_value_table(std::string_view function)
+{
+    for (const auto& t : std::span(generated::kPossibleValueTables, generated::kPossibleValueTableCount))
+        if (t.function == function) return t;
+    throw std::logic_error("catalogue has no possible-value rows for " + std::string(function));
+}
+
 }  // namespace nimbara::rules
 
 namespace nimbara::GlobalXML {

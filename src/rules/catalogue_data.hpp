@@ -1,9 +1,11 @@
 #pragma once
-// The compiled-in catalogue as the generator writes it: the rule table and the named documents.
+// The compiled-in catalogue as the generator writes it: the rule table, the named documents and the
+// possible-value documents' rows.
 #include <cstddef>
 #include <string_view>
 
 #include "rules/build/rule_table.hpp"
+#include "rules/catalogue.hpp"
 
 namespace nimbara::rules {
 
@@ -19,6 +21,8 @@ extern const NamedDocument kDocuments[];
 extern const std::size_t kDocumentCount;
 extern const RepeatedRow kRepeatedRows[];
 extern const std::size_t kRepeatedRowCount;
+extern const PossibleValueTable kPossibleValueTables[];
+extern const std::size_t kPossibleValueTableCount;
 }  // namespace generated
 
 }  // namespace nimbara::rules

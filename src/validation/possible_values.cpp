@@ -3,46 +3,12 @@
 #include <initializer_list>
 #include <optional>
 
-#include "foundation/text.hpp"
-#include "nimbara/GlobalXML.hpp"
-#include "rules/list_document.hpp"
+#include "rules/catalogue.hpp"
 
 namespace nimbara::validation {
 namespace {
 
-using rules::ListDocument;
-
-// A document parsed once, with its weight bounds converted once per row: it never changes. A bound
-// whose tag the row lacks reads as 0; one that is no 32-bit number is nothing.
-struct Parsed {
-    ListDocument doc;
-    std::vector<std::optional<std::int32_t>> min, max;
-};
-
-std::optional<Parsed> prepare(std::string_view text)
-{
-    auto doc = ListDocument::parse(text);
-    if (!doc) return std::nullopt;
-    Parsed p{std::move(*doc), {}, {}};
-    const auto convert = [&p](const char* tag, std::vector<std::optional<std::int32_t>>& out) {
-        const auto column = p.doc.column(tag);
-        for (std::size_t row = 0; row < p.doc.rows(); ++row) {
-            const auto v = column ? p.doc.value(row, *column) : std::nullopt;
-            out.push_back(v ? text::to_int32(*v) : 0);
-        }
-    };
-    convert("CESCALAOMIN", p.min);
-    convert("CESCALAOMAX", p.max);
-    return p;
-}
-
-// Nothing when the document does not load.
-template <std::string_view (*Text)()>
-const Parsed* parsed()
-{
-    static const std::optional<Parsed> p = prepare(Text());
-    return p ? &*p : nullptr;
-}
+using rules::PossibleValueTable;
 
 struct Filter {
     const char* tag;
@@ -56,7 +22,7 @@ enum class LabelRule {
 };
 
 struct Query {
-    const Parsed* parsed;
+    const PossibleValueTable& doc;
     std::initializer_list<Filter> filters;
     std::optional<std::int32_t> weight;  // the half-open test, where the procedure takes a weight
     bool min_only = false;               // the bent test: only the minimum is compared
@@ -70,11 +36,10 @@ struct Query {
 // where a bound is read; a bound that is no number ends the walk as a failure.
 PossibleValues walk(const Query& q)
 {
-    if (!q.parsed) return PossibleValuesFailed{};
-    const ListDocument& doc = q.parsed->doc;
+    const PossibleValueTable& doc = q.doc;
     const auto text = [&doc](std::size_t row, std::optional<std::size_t> column) -> std::string_view {
         if (!column) return {};
-        return doc.value(row, *column).value_or(std::string_view{});
+        return doc.cell(row, *column).value_or(std::string_view{});
     };
 
     std::vector<std::pair<std::optional<std::size_t>, std::string_view>> filters;
@@ -85,7 +50,7 @@ PossibleValues walk(const Query& q)
     for (std::size_t row = 0; row < doc.rows(); ++row) {
         if (q.weight) {
             // Both bounds are read before the filters decide, so a bad bound anywhere fails the call.
-            const auto min = q.parsed->min[row], max = q.parsed->max[row];
+            const auto [min, max] = doc.bounds[row];
             if (!min || !max) return PossibleValuesFailed{};
             const bool in_range = q.min_only ? *min <= *q.weight : *min < *q.weight && *max >= *q.weight;
             if (!in_range) continue;
@@ -110,7 +75,7 @@ PossibleValues walk(const Query& q)
 }
 
 // The discount codes of a document, with rule A's labels, for the line's leading fields.
-PossibleValues discount_codes(const Parsed* document, std::string_view product, std::string_view zone,
+PossibleValues discount_codes(const PossibleValueTable& document, std::string_view product, std::string_view zone,
                               std::string_view speed, std::string_view format, std::string_view pre_treatment,
                               std::int32_t weight)
 {
@@ -127,27 +92,27 @@ PossibleValues discount_codes(const Parsed* document, std::string_view product, 
 
 PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product)
 {
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_ZonaTaxacao>(), {{"CODPRODUTO", product}}, std::nullopt, false,
+    return walk({rules::possible_value_table("GetXMLPossibleValues_ZonaTaxacao"), {{"CODPRODUTO", product}}, std::nullopt, false,
                  "CODZTAXACAO", "DESIGNACAO"});
 }
 
 PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone)
 {
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_Peso>(), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+    return walk({rules::possible_value_table("GetXMLPossibleValues_Peso"), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
                  std::nullopt, false, "CESCALAOMIN", "CESCALAOMAX"});
 }
 
 PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight)
 {
     // For products C38 and C10 only the minimum is compared with the weight.
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_Velocidade>(), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+    return walk({rules::possible_value_table("GetXMLPossibleValues_Velocidade"), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
                  weight, product == "C38" || product == "C10", "CODVELOCIDADE", "DESIGNACAO"});
 }
 
 PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_view zone, std::string_view speed,
                                          std::int32_t weight)
 {
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_Formato>(),
+    return walk({rules::possible_value_table("GetXMLPossibleValues_Formato"),
                  {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}}, weight, false, "CODFORMATO",
                  "DESIGNACAO", LabelRule::VazioForZero});
 }
@@ -155,7 +120,7 @@ PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_v
 PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::string_view zone, std::string_view speed,
                                                std::string_view format, std::int32_t weight)
 {
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_PreTratamento>(),
+    return walk({rules::possible_value_table("GetXMLPossibleValues_PreTratamento"),
                  {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}},
                  weight, false, "PRETRATAMENTO", "PRETRATAMENTO", LabelRule::Selection});
 }
@@ -163,7 +128,7 @@ PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::st
 PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
                                           std::string_view format, std::string_view pre_treatment, std::int32_t weight)
 {
-    return discount_codes(parsed<GlobalXML::GetXMLPossibleValues_Desconto>(), product, zone, speed, format,
+    return discount_codes(rules::possible_value_table("GetXMLPossibleValues_Desconto"), product, zone, speed, format,
                           pre_treatment, weight);
 }
 
@@ -172,7 +137,7 @@ PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, st
                                                     std::string_view pre_treatment, std::int32_t weight)
 {
     // Reads the discount tag of its own document, so it lists discount codes: that is how it has always answered.
-    return discount_codes(parsed<GlobalXML::GetXMLPossibleValues_AmbitoDistribuicao>(), product, zone, speed, format,
+    return discount_codes(rules::possible_value_table("GetXMLPossibleValues_AmbitoDistribuicao"), product, zone, speed, format,
                           pre_treatment, weight);
 }
 
@@ -182,7 +147,7 @@ PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::st
 {
     // The sampling document stands shifted, with delivery labels where a minimum belongs, so the
     // bound of its first labelled row fails this call whatever the arguments.
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_EntregaSampling>(),
+    return walk({rules::possible_value_table("GetXMLPossibleValues_EntregaSampling"),
                  {{"CODPRODUTO", product},
                   {"CODZTAXACAO", zone},
                   {"CODVELOCIDADE", speed},
@@ -197,7 +162,7 @@ PossibleValues GetPossibleValues_ServicosEspeciais(std::string_view product, std
                                                    std::string_view pre_treatment, std::string_view discount,
                                                    std::int32_t weight)
 {
-    return walk({parsed<GlobalXML::GetXMLPossibleValues_ServicosEspeciais>(),
+    return walk({rules::possible_value_table("GetXMLPossibleValues_ServicosEspeciais"),
                  {{"CODPRODUTO", product},
                   {"CODZTAXACAO", zone},
                   {"CODVELOCIDADE", speed},

@@ -5,6 +5,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "foundation/text.hpp"
 #include "rules/build/tsv.hpp"
 
 namespace nimbara::rules {
@@ -84,8 +85,8 @@ std::vector<PossibleValueShape> parse_possible_value_specs(std::string_view spec
     return shapes;
 }
 
-std::string build_possible_value_document(const PossibleValueShape& shape, const std::vector<RuleRow>& table,
-                                          const Designations& designations)
+PossibleValueDocument build_possible_value_document(const PossibleValueShape& shape, const std::vector<RuleRow>& table,
+                                                    const Designations& designations)
 {
     // The dimensions joined, in table order, and for each tag the position of its dimension among them.
     std::vector<Dimension> joined;
@@ -145,14 +146,34 @@ std::string build_possible_value_document(const PossibleValueShape& shape, const
                                      " are not in the join");
     if (shape.sorted) std::ranges::sort(rows);
 
+    PossibleValueDocument doc;
+    for (const auto& tag : shape.tags) doc.tags.push_back(tag.name);
     std::vector<std::string> items;
     for (const auto& row : rows) {
         std::vector<TaggedValue> tagged;
-        for (std::size_t i = 0; i < shape.tags.size(); ++i)
-            if (!(shape.tags[i].omitted_when_empty && row[i].empty())) tagged.push_back({shape.tags[i].name, row[i], shape.tags[i].form});
+        std::vector<std::optional<std::string>> cells;
+        for (std::size_t i = 0; i < shape.tags.size(); ++i) {
+            if (shape.tags[i].omitted_when_empty && row[i].empty()) {
+                cells.emplace_back();
+            } else {
+                tagged.push_back({shape.tags[i].name, row[i], shape.tags[i].form});
+                cells.emplace_back(row[i]);
+            }
+        }
         items.push_back(item_text(tagged));
+        doc.rows.push_back(std::move(cells));
     }
-    return list_text(items, true);
+    doc.text = list_text(items, true);
+    if (!doc.rows.empty()) doc.rows.push_back(doc.rows.back());
+
+    const auto bound = [&doc](const std::vector<std::optional<std::string>>& cells, std::string_view tag) {
+        const auto at = std::ranges::find(doc.tags, tag);
+        if (at == doc.tags.end()) return std::optional<std::int32_t>{0};
+        const auto& cell = cells[static_cast<std::size_t>(at - doc.tags.begin())];
+        return cell ? text::to_int32(*cell) : 0;
+    };
+    for (const auto& cells : doc.rows) doc.bounds.push_back({bound(cells, "CESCALAOMIN"), bound(cells, "CESCALAOMAX")});
+    return doc;
 }
 
 }  // namespace nimbara::rules
