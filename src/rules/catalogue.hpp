@@ -1,6 +1,7 @@
 #pragma once
 // Access to the compiled-in rule table and possible-value rows for the subsystems above the catalogue.
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -10,12 +11,21 @@
 
 namespace nimbara::rules {
 
+// Where a cell's text stands among its table's texts. Offsets rather than pointers, so the tables
+// need no relocation when the library loads.
+struct PossibleValueCell {
+    static constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
+    std::uint32_t offset = 0;
+    std::uint32_t length = kAbsent;  // kAbsent where the row lacks the tag
+};
+
 // A possible-value document's rows as its text reads back, in static storage.
 struct PossibleValueTable {
     std::string_view function;
     std::span<const std::string_view> tags;
-    std::span<const std::optional<std::string_view>> cells;  // row-major, a cell per tag; nothing where the row lacks the tag
-    std::span<const WeightBounds> bounds;                    // a pair per row
+    std::string_view texts;                        // every distinct cell text, one after another
+    std::span<const PossibleValueCell> cells;      // row-major, a cell per tag
+    std::span<const WeightBounds> bounds;          // a pair per row
 
     std::size_t rows() const { return bounds.size(); }
 
@@ -27,9 +37,12 @@ struct PossibleValueTable {
         return std::nullopt;
     }
 
-    const std::optional<std::string_view>& cell(std::size_t row, std::size_t column) const
+    // The row's text under the column's tag; nothing when the row lacks the tag, which an empty text is not.
+    std::optional<std::string_view> cell(std::size_t row, std::size_t column) const
     {
-        return cells[row * tags.size() + column];
+        const PossibleValueCell c = cells[row * tags.size() + column];
+        if (c.length == PossibleValueCell::kAbsent) return std::nullopt;
+        return texts.substr(c.offset, c.length);
     }
 };
 

@@ -5,7 +5,9 @@
 #include <map>
 #include <set>
 
+#include "foundation/text.hpp"
 #include "nimbara/GlobalXML.hpp"
+#include "rules/catalogue.hpp"
 #include "support/rule_table_file.hpp"
 
 namespace {
@@ -216,4 +218,26 @@ TEST(PossibleValueDocuments, SamplingRowsCarryTheDeliveryLabelWhereTheMinimumBel
     EXPECT_EQ(labelled, (std::map<std::string, int>{{"C31", 5}, {"P01", 2}}));
     EXPECT_EQ(labels, (std::set<std::pair<std::string, std::string>>{
                           {"01", "Geral"}, {"02", "Segmentada"}, {"03", "Porta-Folhetos"}, {"04", "Plus"}, {"05", "Gold"}}));
+}
+
+TEST(PossibleValueDocuments, GeneratedRowsReadAsTheText)
+{
+    for (const auto& c : cases()) {
+        const auto doc = read(*nimbara::GlobalXML::document(c.function));
+        const auto& table = nimbara::rules::possible_value_table(c.function);
+        ASSERT_EQ(table.rows(), doc.rows.size()) << c.function;
+        for (std::size_t r = 0; r < table.rows(); ++r) {
+            const auto number = [&](const std::string& tag) -> std::optional<std::int32_t> {
+                const auto it = doc.rows[r].find(tag);
+                return it == doc.rows[r].end() ? 0 : nimbara::text::to_int32(it->second);
+            };
+            EXPECT_EQ(table.bounds[r].min, number("CESCALAOMIN")) << c.function << " row " << r;
+            EXPECT_EQ(table.bounds[r].max, number("CESCALAOMAX")) << c.function << " row " << r;
+            for (std::size_t t = 0; t < table.tags.size(); ++t) {
+                const auto it = doc.rows[r].find(std::string(table.tags[t]));
+                const auto text = it == doc.rows[r].end() ? std::nullopt : std::optional<std::string_view>(it->second);
+                EXPECT_EQ(table.cell(r, t), text) << c.function << " row " << r << " " << table.tags[t];
+            }
+        }
+    }
 }

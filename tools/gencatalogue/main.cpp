@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -14,6 +15,7 @@
 #include "rules/build/possible_value_documents.hpp"
 #include "rules/build/rule_table.hpp"
 #include "rules/build/value_lists.hpp"
+#include "rules/catalogue.hpp"
 
 namespace {
 
@@ -57,19 +59,32 @@ std::string string_literal(std::string_view s)
 
 std::string number(const std::optional<std::int32_t>& n) { return n ? std::to_string(*n) : "std::nullopt"; }
 
-// The document's tags, cells and bounds as arrays named after its position.
+// The document's tags, cell texts, cells and bounds as arrays named after its position; each distinct
+// text is stored once and the cells point into the store by offset.
 void write_rows(std::ostream& out, std::size_t index, const nimbara::rules::PossibleValueDocument& doc)
 {
     const auto name = std::to_string(index);
     out << "constinit const std::string_view kTags" << name << "[] = {";
     for (std::size_t t = 0; t < doc.tags.size(); ++t) out << (t ? ", " : "") << string_literal(doc.tags[t]);
-    out << "};\nconstinit const std::optional<std::string_view> kCells" << name << "[] = {\n";
+    std::string texts;
+    std::map<std::string, std::size_t> offsets;
+    out << "};\nconstinit const PossibleValueCell kCells" << name << "[] = {\n";
     for (const auto& row : doc.rows) {
         out << "   ";
-        for (const auto& cell : row) out << ' ' << (cell ? string_literal(*cell) : "std::nullopt") << ',';
+        for (const auto& cell : row) {
+            if (!cell) {
+                out << " {},";
+                continue;
+            }
+            const auto [at, fresh] = offsets.emplace(*cell, texts.size());
+            if (fresh) texts += *cell;
+            out << " {" << at->second << ", " << cell->size() << "},";
+        }
         out << '\n';
     }
-    out << "};\nconstinit const WeightBounds kBounds" << name << "[] = {\n";
+    if (texts.size() >= nimbara::rules::PossibleValueCell::kAbsent) throw std::runtime_error("possible-value texts too long");
+    out << "};\nconstinit const std::string_view kTexts" << name << "(" << string_literal(texts) << ", " << texts.size()
+        << ");\nconstinit const WeightBounds kBounds" << name << "[] = {\n";
     for (const auto& b : doc.bounds) out << "    {" << number(b.min) << ", " << number(b.max) << "},\n";
     out << "};\n\n";
 }
@@ -131,7 +146,7 @@ int main(int argc, char** argv)
         for (std::size_t i = 0; i < possible_value_documents.size(); ++i) write_rows(out, i, possible_value_documents[i]);
         out << "constinit const PossibleValueTable kPossibleValueTables[] = {\n";
         for (std::size_t i = 0; i < possible_values.size(); ++i)
-            out << "    {" << string_literal(possible_values[i].function) << ", kTags" << i << ", kCells" << i << ", kBounds" << i << "},\n";
+            out << "    {" << string_literal(possible_values[i].function) << ", kTags" << i << ", kTexts" << i << ", kCells" << i << ", kBounds" << i << "},\n";
         out << "};\nconst std::size_t kPossibleValueTableCount = " << possible_values.size()
             << ";\n\n}  // namespace nimbara::rules::generated\n";
 
