@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <pugixml.hpp>
 
 #include <algorithm>
 #include <map>
@@ -19,18 +18,11 @@ struct Document {
 
 Document read(std::string_view text)
 {
-    pugi::xml_document doc;
-    EXPECT_TRUE(doc.load_buffer(text.data(), text.size()));
     Document d;
-    for (const auto& i : doc.select_nodes("LIST/ITEM")) {
-        Row row;
-        std::vector<std::string> order;
-        for (const auto& c : i.node().children()) {
-            row[c.name()] = c.text().get();
-            order.emplace_back(c.name());
-        }
-        d.rows.push_back(row);
-        d.tag_orders.push_back(order);
+    for (const auto& item : nimbara::testing::read_items(text)) {
+        d.rows.emplace_back(item.begin(), item.end());
+        auto& order = d.tag_orders.emplace_back();
+        for (const auto& [tag, value] : item) order.push_back(tag);
     }
     return d;
 }

@@ -1,10 +1,12 @@
 #pragma once
 // A fresh folder under the system's temporary folder, named after the running test and removed with
-// the object, so that tests that write files never see each other's.
+// the object, so that tests that write files never see each other's; and reading back what they wrote.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace nimbara::testing {
@@ -32,5 +34,12 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// The whole of a file as bytes; the empty text when it cannot be read.
+inline std::string read_file(const std::filesystem::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
 
 }  // namespace nimbara::testing
