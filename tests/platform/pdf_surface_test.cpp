@@ -8,6 +8,7 @@
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "platform/pdf_surface.hpp"
+#include "support/temp_folder.hpp"
 
 namespace fs = std::filesystem;
 using nimbara::platform::PdfSurface;
@@ -23,12 +24,6 @@ struct TempDir {
     TempDir() { fs::create_directories(path); }
     ~TempDir() { fs::remove_all(path); }
 };
-
-std::string read_all(const fs::path& p)
-{
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 struct Box {
     int x1 = 1 << 30, y1 = 1 << 30, x2 = -1, y2 = -1;
@@ -94,7 +89,7 @@ protected:
 TEST_F(RenderedForm, IsOnePdfOfTwoA4LandscapePages)
 {
     ASSERT_EQ(surface->written(), std::vector<fs::path>{dir->path / "form.pdf"});
-    const std::string pdf = read_all(dir->path / "form.pdf");
+    const std::string pdf = nimbara::testing::read_file(dir->path / "form.pdf");
     EXPECT_TRUE(pdf.starts_with("%PDF-"));
     const std::regex page(R"(/Type\s*/Page[^s])");
     EXPECT_EQ(std::distance(std::sregex_iterator(pdf.begin(), pdf.end(), page), std::sregex_iterator()), 2);

@@ -44,16 +44,6 @@ TEST(BarcodeHead, FieldsAtTheirPlaces)
     for (const auto& c : cases) EXPECT_EQ(c.head, c.expected) << c.what;
 }
 
-TEST(BarcodeHead, FinishWritesThePageAndKeeps85)
-{
-    auto g = sample_guia();
-    std::string head = codigo_cabecalho(g.arrCabecalho, 3, 4);
-    EXPECT_EQ(finish_payload(head, 2, 0, ""), kHead.substr(0, 45) + "0204" + kHead.substr(49) + "00");
-    EXPECT_EQ(head.size(), 85u);
-    // A second finish of the same head patches the page again.
-    EXPECT_EQ(finish_payload(head, 4, 1, "X"), kHead.substr(0, 45) + "0404" + kHead.substr(49) + "01X");
-}
-
 TEST(BarcodeItem, OneItemPerLine)
 {
     auto g = sample_guia();

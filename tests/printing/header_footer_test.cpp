@@ -9,6 +9,7 @@
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printed_text.hpp"
+#include "support/temp_folder.hpp"
 
 using nimbara::cls_Impressao;
 using nimbara::cls_ImpressaoA;
@@ -78,9 +79,7 @@ TEST(HeaderFooter, NonNumericContractStopsTheArrayEditionBeforeTheRemarks)
     const auto s = header_of(a, h);
     EXPECT_FALSE(find_text(s, "remarks"));
     EXPECT_TRUE(find_text(s, "T1")) << "the fields before it are printed";
-    std::ifstream log(a.log_path());
-    const std::string text{std::istreambuf_iterator<char>(log), {}};
-    EXPECT_NE(text.find("ImprimeHeaderFooter-Erro:Type mismatch"), std::string::npos);
+    EXPECT_NE(nimbara::testing::read_file(a.log_path()).find("ImprimeHeaderFooter-Erro:Type mismatch"), std::string::npos);
     std::filesystem::remove(a.log_path());
 }
 
