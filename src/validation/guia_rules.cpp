@@ -126,16 +126,16 @@ std::int32_t DoValEncartes(const FieldTable& lines)
     std::string_view previous_product, previous_zone, previous_speed;
     std::int32_t previous_quantity = 0;
     for (int row = 0; row < lines.row_count(); ++row) {
-        // A quantity that is no number ends the check, which then lets the Guia pass.
-        const auto quantity = cell_int32(lines.at(guia::D_Quantidade, row));
-        if (!quantity) return 0;
         const auto product = product_of(lines, row);
         const auto zone = zone_of(lines, row);
         const auto speed = lines.text(guia::E_Velocidade, row);
-        if (product == kInsert) {
-            if (!one_of(previous_product, kCarriers)) return -3;
-            if (zone != previous_zone || speed != previous_speed || *quantity != previous_quantity) return -2;
-        }
+        if (product == kInsert && !one_of(previous_product, kCarriers)) return -3;
+        // The quantity is read only once the carrier is judged, and with the zone and speed as one
+        // condition; one that is no number ends the check, which then lets the Guia pass.
+        const auto quantity = cell_int32(lines.at(guia::D_Quantidade, row));
+        if (!quantity) return 0;
+        if (product == kInsert && (zone != previous_zone || speed != previous_speed || *quantity != previous_quantity))
+            return -2;
         previous_product = product;
         previous_zone = zone;
         previous_speed = speed;

@@ -77,6 +77,7 @@ TEST(DoValidaGuia, ChecksInOrderFirstFailureWinsWithItsText)
         {"C25 first", {{"C25", "03", "10"}}, "0", -8, "Erro Não Existem Produtos Associados ao C25"},
         {"two C25 in a row", {{"C03", "03", "10"}, {"C25", "03", "10"}, {"C25", "03", "10"}}, "0", -8},
         {"insert check failing passes", {{"C05", "03", "x"}, {"C25", "03", "11"}}, "0", 0},
+        {"C25 after C01 with a quantity no number", {{"C01", "03", "10"}, {"C25", "03", "x"}}, "0", -8},
         {"access 2 with C01", {{"C01", "01", "1"}}, "2", -15},
         {"access 2 with P09", {{"P09", "01", "1"}}, "2", 0},
         {"access 1 with P01", {{"P01", "01", "1"}}, "1", -16},
