@@ -101,11 +101,7 @@ TEST_F(RenderedForm, IsOnePdfOfTwoA4LandscapePages)
 
 TEST_F(RenderedForm, PanelsAreGreyAndPaperIsWhite)
 {
-    struct Case {
-        const char* what;
-        double x, y;
-        std::uint32_t rgb;
-    };
+    struct Case { const char* what; double x, y; std::uint32_t rgb; };
     const Case cases[] = {
         {"footer panel between its rules", 195, 126, 0xD5D5D5},
         {"top-right panel beside its captions", 257.5, 20, 0xD5D5D5},

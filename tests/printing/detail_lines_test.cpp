@@ -15,10 +15,7 @@ using namespace printing_test;
 
 namespace {
 
-struct Placed {
-    std::string text;
-    double x;
-};
+struct Placed { std::string text; double x; };
 
 std::vector<Placed> placed(const RecordingSurface& s)
 {

@@ -65,13 +65,7 @@ TEST(FixedForm, FrameAndPicturesStartAtTheOriginAndOffsetsMoveEverything)
 
 TEST(FixedForm, CopyMarkAndVersion)
 {
-    struct Case {
-        bool array;
-        int copy;
-        const char* mark;
-        double mark_y, version_x, version_y;
-        bool version_bold;
-    };
+    struct Case { bool array; int copy; const char* mark; double mark_y, version_x, version_y; bool version_bold; };
     const Case cases[] = {
         {true, 0, "Original", 183, 5, 183, false},    {true, 1, "Duplicado 1", 183, 5, 183, false},
         {true, 2, "Duplicado 2", 183, 5, 183, false}, {false, 0, "Original", 182, 100, 182, true},
@@ -98,16 +92,8 @@ TEST(FixedForm, CopyMarkAndVersion)
 // Each difference between the editions' forms, as text placed or left out.
 TEST(FixedForm, EditionsDiffer)
 {
-    struct Expected {
-        const char* text;
-        double x, y;
-        bool bold;
-    };
-    struct Case {
-        bool array;
-        std::vector<Expected> present;
-        std::vector<const char*> absent;
-    };
+    struct Expected { const char* text; double x, y; bool bold; };
+    struct Case { bool array; std::vector<Expected> present; std::vector<const char*> absent; };
     const Case cases[] = {
         {true,
          {{"OBJETOS POSTAIS", 40, 6.5, true},

@@ -52,11 +52,7 @@ std::vector<std::string> texts_at(const RecordingSurface& s, double x, double y)
 
 TEST(HeaderFooter, PlaceholderContractsStayEmptyInTheArrayEditionOnly)
 {
-    struct Case {
-        const char* contract;
-        bool array;
-        bool printed;
-    };
+    struct Case { const char* contract; bool array; bool printed; };
     const Case cases[] = {{"888888888", true, false}, {"777777777", true, false}, {" 888888888.0 ", true, false},
                           {"123", true, true},        {"888888888", false, true}, {"777777777", false, true}};
     for (const auto& c : cases) {
@@ -126,10 +122,7 @@ TEST(HeaderFooter, PaymentMarks)
 TEST(HeaderFooter, MyReplaceSpacePadsLinesToTheirWidth)
 {
     const std::string line130(130, 'x');
-    struct Case {
-        std::string in;
-        std::string out;
-    };
+    struct Case { std::string in; std::string out; };
     const Case cases[] = {
         {"AB\r\nCD", "AB" + std::string(128, ' ') + "CD"},
         {line130 + "\r\nCD", line130 + std::string(130, ' ') + "CD"},
@@ -145,10 +138,7 @@ TEST(HeaderFooter, RemarksSlices)
 {
     std::string remarks;
     for (int i = 0; i < 700; ++i) remarks += static_cast<char>('A' + i % 26);
-    struct Case {
-        const char* what;
-        std::vector<std::pair<int, int>> slices;
-    };
+    struct Case { const char* what; std::vector<std::pair<int, int>> slices; };
     const Case cases[] = {
         {"array, header", {{1, 130}, {131, 130}, {262, 130}, {393, 130}, {524, 130}}},
         {"array, reprint", {{1, 130}, {131, 120}, {250, 130}, {393, 130}, {524, 130}}},

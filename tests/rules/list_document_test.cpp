@@ -15,10 +15,7 @@ TEST(ListDocument, ReadsPlainAndCDataAndTellsAMissingTagFromAnEmptyOne)
     ASSERT_TRUE(a && b && c);
     EXPECT_FALSE(doc->column("D"));
 
-    struct Cell {
-        std::size_t row, column;
-        std::optional<std::string_view> value;
-    };
+    struct Cell { std::size_t row, column; std::optional<std::string_view> value; };
     const Cell cells[] = {
         {0, *a, "1"}, {0, *b, "Não <x> & y"}, {0, *c, std::nullopt},  // the first row has no C
         {1, *a, "2"},                                                  // the first of a repeated tag

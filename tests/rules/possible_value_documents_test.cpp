@@ -11,10 +11,7 @@ namespace {
 
 using Row = std::map<std::string, std::string>;  // tag -> text
 
-struct Document {
-    std::vector<Row> rows;
-    std::vector<std::vector<std::string>> tag_orders;
-};
+struct Document { std::vector<Row> rows; std::vector<std::vector<std::string>> tag_orders; };
 
 Document read(std::string_view text)
 {

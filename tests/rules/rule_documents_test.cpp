@@ -29,12 +29,7 @@ std::vector<Row> rows_of(std::string_view text, std::vector<std::string>* tags =
 using nimbara::testing::read_rule_table_file;
 using nimbara::testing::split_blanks;
 
-struct DimensionDoc {
-    std::string_view function;
-    std::string value_tag;
-    int column;
-    std::size_t rows;
-};
+struct DimensionDoc { std::string_view function; std::string value_tag; int column; std::size_t rows; };
 const DimensionDoc kDimensionDocs[] = {
     {"getXML_DoValZonaTaxacao", "CODZTAXACAO", 5, 328},
     {"getXML_DoValVelocidade", "CODVELOCIDADE", 6, 154},

@@ -44,12 +44,7 @@ std::set<std::string> words(const std::string& s)
 }
 
 using Getter = std::string_view (nimbara::cls_ValProdutosA::*)() const;
-struct ListCase {
-    std::string_view function;
-    Getter getter;
-    std::size_t rows;
-    bool repeats_last;
-};
+struct ListCase { std::string_view function; Getter getter; std::size_t rows; bool repeats_last; };
 const ListCase kLists[] = {
     {"getXML_ProdutoLOV", &nimbara::cls_ValProdutosA::getProdutoLOV, 58, true},
     {"getXML_VelocidadeLOV", &nimbara::cls_ValProdutosA::getVelocidadeLOV, 5, true},
