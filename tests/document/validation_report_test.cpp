@@ -129,8 +129,9 @@ TEST_F(Report, TextsByGuia)
         for (const auto& entry : fs::directory_iterator(dir_)) fs::remove(entry);
         if (c.header) header();
         for (const auto& l : c.lines) add(l);
-        if (!c.header || c.lines.empty())  // nothing to print: the printer alone answers success and writes nothing
+        if (!c.header || c.lines.empty()) {  // nothing to print: the printer alone answers success, writes nothing
             EXPECT_EQ(guia_.ImprimeGuia(true), "<LIST><ITEM><ERRO_ID>0</ERRO_ID><LOG_FILE></LOG_FILE></ITEM></LIST>");
+        }
         if (c.erro_id) {
             EXPECT_EQ(report(c.erro_id), crlf(c.text));
             continue;

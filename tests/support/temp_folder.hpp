@@ -13,10 +13,9 @@ namespace nimbara::testing {
 
 class TempFolder {
 public:
-    TempFolder()
-        : path_(std::filesystem::temp_directory_path() /
-                ("nimbara-" + std::to_string(::getpid()) + "-" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name()))
+    // A suite's shared folder names itself, as no test is running when it is made.
+    explicit TempFolder(const std::string& name = ::testing::UnitTest::GetInstance()->current_test_info()->name())
+        : path_(std::filesystem::temp_directory_path() / ("nimbara-" + std::to_string(::getpid()) + "-" + name))
     {
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
