@@ -4,18 +4,12 @@
 #include <stdexcept>
 
 #include "foundation/chars.hpp"
+#include "foundation/required_numbers.hpp"
 #include "foundation/text.hpp"
 #include "nimbara/ImpressaoComum.hpp"
 
 namespace nimbara {
 namespace {
-
-// A text read as a number, as the old component's arithmetic read it; anything else is refused.
-double as_number(const std::string& field)
-{
-    if (const auto n = text::to_number(field)) return *n;
-    throw std::invalid_argument("Type mismatch");
-}
 
 // A text read as a boolean: the words True and False in any case, or a number, true unless 0.
 bool as_boolean(const std::string& field)
@@ -23,7 +17,7 @@ bool as_boolean(const std::string& field)
     const auto t = text::to_upper(text::trim(field));
     if (t == "TRUE") return true;
     if (t == "FALSE") return false;
-    return as_number(field) != 0;
+    return text::require_number(field) != 0;
 }
 
 // The remarks' lines are fixed slices of the text, gaps and overlaps as the page has always had them.
@@ -56,7 +50,7 @@ std::int32_t ImpressaoComum::ImprimeHeaderFooter(
         // The array edition leaves the contract cell empty for the two placeholder contract numbers.
         if (!array) {
             printAt(s, 62, 36.5, CAMPO_Ncontr);
-        } else if (const double contract = as_number(CAMPO_Ncontr); contract != 888888888 && contract != 777777777) {
+        } else if (const double contract = text::require_number(CAMPO_Ncontr); contract != 888888888 && contract != 777777777) {
             printAt(s, 62, 36.5, CAMPO_Ncontr);
         }
         printAt(s, 92, 36.5, CAMPO_PortePago);
@@ -74,7 +68,7 @@ std::int32_t ImpressaoComum::ImprimeHeaderFooter(
         s.setCurrentY(twipsY(26.2));
         if (as_boolean(CAMPO_Jpp)) s.Print("X");
 
-        const double kind = as_number(CAMPO_PPagDif);
+        const double kind = text::require_number(CAMPO_PPagDif);
         const double mark_x = kind == 1 ? 3 : kind == 2 ? 23 : kind == 0 && array ? 46 : -1;
         if (mark_x >= 0) printAt(s, mark_x, 26.2, "X");
     });

@@ -1,5 +1,6 @@
 #pragma once
-// Running the command-line program from a test, with its output and exit status captured.
+// Running the command-line program from a test, with its output and exit status captured; the bundled
+// example Guias it is run on.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,5 +38,7 @@ inline Run run(const std::string& args, const std::string& input = "")
     std::filesystem::remove(err);
     return {WEXITSTATUS(status), out, err_text};
 }
+
+inline std::string example(const std::string& name) { return std::string(NIMBARA_SOURCE_DIR) + "/examples/" + name; }
 
 }  // namespace nimbara::testing

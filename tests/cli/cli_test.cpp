@@ -2,28 +2,25 @@
 
 #include "cli_run.hpp"
 #include "nimbara/GlobalXML.hpp"
+#include "support/temp_folder.hpp"
 
+using nimbara::testing::example;
 using nimbara::testing::run;
+namespace fs = std::filesystem;
 
-TEST(Cli, Version)
+TEST(Cli, VersionAndEveryCatalogueDocumentExactly)
 {
-    const auto r = run("--version");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "nimbara 5.3.15\n");
-}
+    const auto version = run("--version");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, "nimbara 5.3.15\n");
 
-TEST(Cli, DocumentIsWrittenExactly)
-{
-    const auto r = run("document getXML_DoValAmbitoDist");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_TRUE(r.out.starts_with("<LIST><ITEM><CODDAMBITODIST>"));
-    EXPECT_TRUE(r.out.ends_with("</ITEM></LIST>"));
-
-    const auto unknown = run("document getXML_Nada");
-    EXPECT_EQ(unknown.status, 2);
-    EXPECT_EQ(unknown.out, "");
-    EXPECT_NE(unknown.err.find("getXML_Nada"), std::string::npos);
-    EXPECT_NE(unknown.err.find("getXML_DoValServEsp"), std::string::npos) << "the known names are listed";
+    const auto names = nimbara::GlobalXML::document_names();
+    EXPECT_EQ(names.size(), 27u) << "ten rule documents, eight lists of values, nine possible-value documents";
+    for (const auto name : names) {
+        const auto r = run("document " + std::string(name));
+        EXPECT_EQ(r.status, 0) << name;
+        EXPECT_EQ(r.out, *nimbara::GlobalXML::document(name)) << name;
+    }
 }
 
 TEST(Cli, CheckLinesJudgesEveryRowAndRefusesBadOnes)
@@ -44,58 +41,48 @@ TEST(Cli, CheckLinesJudgesEveryRowAndRefusesBadOnes)
               "!weight \"3000000000\" is not a 32-bit whole number\n"
               "-16\t06\n"
               "-10\t02,07\n");
-    EXPECT_NE(r.err.find("<stdin>:2:"), std::string::npos) << r.err;
-    EXPECT_NE(r.err.find("<stdin>:3:"), std::string::npos) << r.err;
-    EXPECT_NE(r.err.find("<stdin>:4:"), std::string::npos) << r.err;
+    for (const char* place : {"<stdin>:2:", "<stdin>:3:", "<stdin>:4:"}) EXPECT_NE(r.err.find(place), std::string::npos) << r.err;
 
     const auto clean = run("check-lines", "C01\t01\t0\t0\t02\t1\t0\t0\t0\t0\n");
     EXPECT_EQ(clean.status, 0);
     EXPECT_EQ(clean.out, "-3\tErro na Validação do Peso\n");
 }
 
-TEST(Cli, CheckLinesMissingFile)
-{
-    const auto r = run("check-lines /nonexistent/batch.tsv");
-    EXPECT_EQ(r.status, 2);
-    EXPECT_NE(r.err.find("/nonexistent/batch.tsv"), std::string::npos);
-}
-
-TEST(Cli, ServesEveryCatalogueDocument)
-{
-    const auto names = nimbara::GlobalXML::document_names();
-    EXPECT_EQ(names.size(), 27u) << "ten rule documents, eight lists of values, nine possible-value documents";
-    for (const auto name : names) {
-        const auto r = run("document " + std::string(name));
-        EXPECT_EQ(r.status, 0) << name;
-        EXPECT_EQ(r.out, *nimbara::GlobalXML::document(name)) << name;
-    }
-}
-
 TEST(Cli, FormWritesAPdfAndAPreview)
 {
-    const auto dir = std::filesystem::temp_directory_path() / ("nimbara-cli-form-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
-    const auto pdf = dir / "form.pdf", png = dir / "form.png";
+    nimbara::testing::TempFolder folder;
+    const auto pdf = folder.path() / "form.pdf", png = folder.path() / "form.png";
     const auto r = run("form --edition database --copy 2 --date 2024-03-15 --left 2.5 --top 1 --out " + pdf.string() +
                        " --png " + png.string());
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, pdf.string() + "\n" + png.string() + "\n");
-    EXPECT_GT(std::filesystem::file_size(pdf), 1000u);
-    EXPECT_GT(std::filesystem::file_size(png), 1000u);
+    EXPECT_GT(fs::file_size(pdf), 1000u);
+    EXPECT_GT(fs::file_size(png), 1000u);
+}
 
-    const struct {
-        const char* args;
-        const char* named;
-    } refused[] = {
+// Bad input to the program: status 2, nothing on standard output or on disk, a message naming what.
+TEST(Cli, RefusalsNameWhatIsWrong)
+{
+    nimbara::testing::TempFolder folder;
+    const std::string dir = folder.path().string(), valid = example("valid-guia.json");
+    struct Case { std::string args, named; };
+    const Case cases[] = {
+        {"document getXML_Nada", "getXML_Nada"},
+        {"document getXML_Nada", "getXML_DoValServEsp"},  // the known names are listed
+        {"check-lines /nonexistent/batch.tsv", "/nonexistent/batch.tsv"},
         {"form --out /nonexistent-folder/form.pdf", "/nonexistent-folder/form.pdf"},
         {"form --out X.pdf --edition paper", "--edition"},
         {"form --out X.pdf --left north", "--left"},
+        {"check " + dir + "/none.json --report-dir " + dir, "none.json: cannot open the file"},
+        {"check " + valid + " --report-dir " + dir + "/nope", "nope is not a folder"},
+        {"print " + valid + " --report-dir " + dir + " --out-dir " + dir + "/missing", "output folder"},
     };
-    for (const auto& c : refused) {
-        const auto bad = run(c.args);
-        EXPECT_EQ(bad.status, 2) << c.args;
-        EXPECT_NE(bad.err.find(c.named), std::string::npos) << bad.err;
+    for (const auto& c : cases) {
+        const auto r = run(c.args);
+        EXPECT_EQ(r.status, 2) << c.args;
+        EXPECT_EQ(r.out, "") << c.args;
+        EXPECT_NE(r.err.find(c.named), std::string::npos) << c.args << ": " << r.err;
     }
-    EXPECT_FALSE(std::filesystem::exists("X.pdf"));
-    std::filesystem::remove_all(dir);
+    EXPECT_FALSE(fs::exists("X.pdf"));
+    EXPECT_TRUE(fs::is_empty(folder.path()));
 }

@@ -15,11 +15,7 @@ TEST(IniFile, ReadsLikeTheProfileReader)
     const auto file = fs::temp_directory_path() / ("nimbara-ini-" + std::to_string(::getpid()) + ".ini");
     std::ofstream(file) << "; settings\r\n[Other]\r\nConn=wrong\r\n[NimbarAuto]\r\n  conn =  \"sqlite:guia.db\"  \r\n"
                            "DirBD=/var/guia\r\nEmpty=\r\n[nimbarauto]\r\nLater=never read\r\n";
-    struct Case {
-        const char *section, *key, *def;
-        std::size_t buffer;
-        const char* expected;
-    };
+    struct Case { const char *section, *key, *def; std::size_t buffer; const char* expected; };
     const Case cases[] = {
         {"Nimbarauto", "Conn", "", 400, "sqlite:guia.db"},       // case-insensitive, blanks and quotes off
         {"NIMBARAUTO", "DIRBD", "", 400, "/var/guia"},

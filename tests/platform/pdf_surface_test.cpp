@@ -8,27 +8,17 @@
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "platform/pdf_surface.hpp"
+#include "support/temp_folder.hpp"
 
 namespace fs = std::filesystem;
 using nimbara::platform::PdfSurface;
 using nimbara::platform::RasterImage;
+using nimbara::testing::TempFolder;
 
 namespace {
 
 constexpr double kDpi = 200;
 int px(double mm) { return static_cast<int>(mm / 25.4 * kDpi); }
-
-struct TempDir {
-    fs::path path = fs::temp_directory_path() / ("nimbara-pdf-" + std::to_string(::getpid()));
-    TempDir() { fs::create_directories(path); }
-    ~TempDir() { fs::remove_all(path); }
-};
-
-std::string read_all(const fs::path& p)
-{
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 struct Box {
     int x1 = 1 << 30, y1 = 1 << 30, x2 = -1, y2 = -1;
@@ -63,12 +53,12 @@ class RenderedForm : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        dir = new TempDir;
-        surface = new PdfSurface(dir->path / "form.pdf");
+        dir = new TempFolder("RenderedForm");
+        surface = new PdfSurface(dir->path() / "form.pdf");
         surface->setOrientation(2);
         surface->setPaperSize(9);
         nimbara::cls_ImpressaoA a;
-        a.set_log_path(dir->path / "print.log");
+        a.set_log_path(dir->path() / "print.log");
         a.PrintTestPage(*surface, nimbara::form_impressao(), 0, "2024-03-15");
         surface->NewPage();
         a.PrintTestPage(*surface, nimbara::form_impressao(), 0, "2024-03-15");
@@ -86,31 +76,27 @@ protected:
         delete surface;
         delete dir;
     }
-    static inline TempDir* dir;
+    static inline TempFolder* dir;
     static inline PdfSurface* surface;
     static inline RasterImage *before, *after;
 };
 
 TEST_F(RenderedForm, IsOnePdfOfTwoA4LandscapePages)
 {
-    ASSERT_EQ(surface->written(), std::vector<fs::path>{dir->path / "form.pdf"});
-    const std::string pdf = read_all(dir->path / "form.pdf");
+    ASSERT_EQ(surface->written(), std::vector<fs::path>{dir->path() / "form.pdf"});
+    const std::string pdf = nimbara::testing::read_file(dir->path() / "form.pdf");
     EXPECT_TRUE(pdf.starts_with("%PDF-"));
     const std::regex page(R"(/Type\s*/Page[^s])");
     EXPECT_EQ(std::distance(std::sregex_iterator(pdf.begin(), pdf.end(), page), std::sregex_iterator()), 2);
-    EXPECT_FALSE(fs::exists(dir->path / "form.pdf.part"));
+    EXPECT_FALSE(fs::exists(dir->path() / "form.pdf.part"));
     EXPECT_NEAR(static_cast<double>(before->width) / before->height, 297.0 / 210.0, 0.002);
     EXPECT_EQ(before->width, px(297) + 1);
-    EXPECT_FALSE(fs::exists(dir->path / "print.log")) << "nothing failed";
+    EXPECT_FALSE(fs::exists(dir->path() / "print.log")) << "nothing failed";
 }
 
 TEST_F(RenderedForm, PanelsAreGreyAndPaperIsWhite)
 {
-    struct Case {
-        const char* what;
-        double x, y;
-        std::uint32_t rgb;
-    };
+    struct Case { const char* what; double x, y; std::uint32_t rgb; };
     const Case cases[] = {
         {"footer panel between its rules", 195, 126, 0xD5D5D5},
         {"top-right panel beside its captions", 257.5, 20, 0xD5D5D5},
@@ -148,8 +134,8 @@ TEST_F(RenderedForm, TextLandsInsideItsFrames)
 
 TEST(PdfSurface, JobsAreFilesOfTheirOwn)
 {
-    TempDir dir;
-    PdfSurface s(dir.path / "guia.pdf");
+    TempFolder dir;
+    PdfSurface s(dir.path() / "guia.pdf");
     s.EndDoc();  // nothing drawn: no job, no file
     EXPECT_TRUE(s.written().empty());
     for (int job = 0; job < 2; ++job) {
@@ -157,14 +143,14 @@ TEST(PdfSurface, JobsAreFilesOfTheirOwn)
         s.Print("x");
         s.EndDoc();
     }
-    EXPECT_EQ(s.written(), (std::vector<fs::path>{dir.path / "guia.pdf", dir.path / "guia-2.pdf"}));
+    EXPECT_EQ(s.written(), (std::vector<fs::path>{dir.path() / "guia.pdf", dir.path() / "guia-2.pdf"}));
     EXPECT_EQ(s.page_count(), 1);
     {
-        PdfSurface abandoned(dir.path / "abandoned.pdf");
+        PdfSurface abandoned(dir.path() / "abandoned.pdf");
         abandoned.Print("never ended");
     }
-    EXPECT_FALSE(fs::exists(dir.path / "abandoned.pdf"));
-    EXPECT_FALSE(fs::exists(dir.path / "abandoned.pdf.part"));
+    EXPECT_FALSE(fs::exists(dir.path() / "abandoned.pdf"));
+    EXPECT_FALSE(fs::exists(dir.path() / "abandoned.pdf.part"));
 }
 
 TEST(PdfSurface, UnwritablePlaceIsNamedAndLeavesNothing)
@@ -181,8 +167,8 @@ TEST(PdfSurface, UnwritablePlaceIsNamedAndLeavesNothing)
 
 TEST(PdfSurface, PrintMovesDownOneLineAndBackToTheLeft)
 {
-    TempDir dir;
-    PdfSurface s(dir.path / "p.pdf");
+    TempFolder dir;
+    PdfSurface s(dir.path() / "p.pdf");
     s.setFontName("Times New Roman");
     s.setFontSize(8);
     s.setCurrentX(500);
@@ -197,8 +183,8 @@ TEST(PdfSurface, PrintMovesDownOneLineAndBackToTheLeft)
 
 TEST(PdfSurface, HatchedBoxKeepsItsOutline)
 {
-    TempDir dir;
-    PdfSurface s(dir.path / "h.pdf");
+    TempFolder dir;
+    PdfSurface s(dir.path() / "h.pdf");
     s.setFillColor(0);
     s.setFillStyle(2);  // horizontal lines
     s.Line(20, 1440, 1440, 2880, 2880, 0);

@@ -44,16 +44,7 @@ TEST(BarcodeHead, FieldsAtTheirPlaces)
     for (const auto& c : cases) EXPECT_EQ(c.head, c.expected) << c.what;
 }
 
-TEST(BarcodeHead, FinishWritesThePageAndKeeps85)
-{
-    auto g = sample_guia();
-    std::string head = codigo_cabecalho(g.arrCabecalho, 3, 4);
-    EXPECT_EQ(finish_payload(head, 2, 0, ""), kHead.substr(0, 45) + "0204" + kHead.substr(49) + "00");
-    EXPECT_EQ(head.size(), 85u);
-    // A second finish of the same head patches the page again.
-    EXPECT_EQ(finish_payload(head, 4, 1, "X"), kHead.substr(0, 45) + "0404" + kHead.substr(49) + "01X");
-}
-
+// The everyday line's item is pinned by the page driver's symbols; here the fields it leaves at zero.
 TEST(BarcodeItem, OneItemPerLine)
 {
     auto g = sample_guia();
@@ -63,9 +54,6 @@ TEST(BarcodeItem, OneItemPerLine)
     g.arrGuia.set(guia::caracte, 1, std::string("7"));
     const std::string services = item_servico("2", "150") + item_servico("10", "0");
     EXPECT_EQ(services, "020000150100000000");
-    EXPECT_EQ(item_linha(g.arrGuia, 0, "", 0),
-              std::string("01") + "C01" + "000020" + "0000100" + "021001" + "0100" + "0" + "0000000000000" + "0" + "0" +
-                  "000000000" + "00");
     EXPECT_EQ(item_linha(g.arrGuia, 1, services, 2),
               std::string("01") + "C07" + "001000" + "0000000" + "071001" + "0100" + "0" + "00000000CAMP1" + "0" + "7" +
                   "123456789" + "02" + services);

@@ -15,10 +15,7 @@ using namespace printing_test;
 
 namespace {
 
-struct Placed {
-    std::string text;
-    double x;
-};
+struct Placed { std::string text; double x; };
 
 std::vector<Placed> placed(const RecordingSurface& s)
 {
@@ -33,11 +30,7 @@ std::ostream& operator<<(std::ostream& o, const Placed& p) { return o << '"' << 
 class DetailLines : public ::testing::Test {
 protected:
     DetailLines() { printer.set_log_path(folder.path() / "print.log"); }
-    std::string log() const
-    {
-        std::ifstream in(folder.path() / "print.log");
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::string log() const { return nimbara::testing::read_file(folder.path() / "print.log"); }
     std::vector<Placed> line(const std::string& M, const std::string& K = "0", const std::string& P = "0")
     {
         RecordingSurface s;

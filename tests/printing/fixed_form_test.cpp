@@ -39,45 +39,33 @@ bool has_box(const RecordingSurface& s, std::vector<long> corners)
 
 }  // namespace
 
-TEST(FixedForm, OuterFrameAndFirstPicturesStartAtTheOrigin)
+TEST(FixedForm, FrameAndPicturesStartAtTheOriginAndOffsetsMoveEverything)
 {
     cls_ImpressaoA a;
     const auto s = form_of(a);
+    EXPECT_EQ(s.calls().front().op, "setScaleMode");
     EXPECT_TRUE(has_box(s, {0, 0, 14855, 19})) << "top side of the 262 x 32.1 frame";
     EXPECT_TRUE(has_box(s, {0, 0, 19, 1820})) << "left side";
-    const auto pics = s.calls_of("PaintPicture");
-    auto at = [&](const std::string& name) {
-        for (const auto& c : pics)
+    const auto at = [&](const std::string& name) {
+        for (const auto& c : s.calls_of("PaintPicture"))
             if (c.text == name) return std::pair{mm(c.numbers[0]), mm(c.numbers[1])};
         return std::pair{-1.0, -1.0};
     };
     EXPECT_EQ(at("Pic_barra_ProcessadoComp"), (std::pair{0.0, 126.5}));
     EXPECT_EQ(at("Pic_Barra_A1"), (std::pair{0.0, 41.5}));
-    EXPECT_EQ(s.calls().front().op, "setScaleMode");
-}
 
-TEST(FixedForm, OffsetsMoveEverything)
-{
-    cls_ImpressaoA a;
     a.SetPageOffsets(5, 3);
-    const auto s = form_of(a);
-    const auto t = find_text(s, "Código de Terceiro");
+    const auto moved = form_of(a);
+    const auto t = find_text(moved, "Código de Terceiro");
     ASSERT_TRUE(t);
-    EXPECT_EQ(t->x_mm, 6);
-    EXPECT_EQ(t->y_mm, 35.5);
+    EXPECT_EQ(std::pair(t->x_mm, t->y_mm), std::pair(6.0, 35.5));
     // The offset is added before truncation: 5 + 0 mm is 283.5 twips, cut to 283.
-    EXPECT_TRUE(has_box(s, {283, 170, 15138, 189}));
+    EXPECT_TRUE(has_box(moved, {283, 170, 15138, 189}));
 }
 
 TEST(FixedForm, CopyMarkAndVersion)
 {
-    struct Case {
-        bool array;
-        int copy;
-        const char* mark;
-        double mark_y, version_x, version_y;
-        bool version_bold;
-    };
+    struct Case { bool array; int copy; const char* mark; double mark_y, version_x, version_y; bool version_bold; };
     const Case cases[] = {
         {true, 0, "Original", 183, 5, 183, false},    {true, 1, "Duplicado 1", 183, 5, 183, false},
         {true, 2, "Duplicado 2", 183, 5, 183, false}, {false, 0, "Original", 182, 100, 182, true},
@@ -104,16 +92,8 @@ TEST(FixedForm, CopyMarkAndVersion)
 // Each difference between the editions' forms, as text placed or left out.
 TEST(FixedForm, EditionsDiffer)
 {
-    struct Expected {
-        const char* text;
-        double x, y;
-        bool bold;
-    };
-    struct Case {
-        bool array;
-        std::vector<Expected> present;
-        std::vector<const char*> absent;
-    };
+    struct Expected { const char* text; double x, y; bool bold; };
+    struct Case { bool array; std::vector<Expected> present; std::vector<const char*> absent; };
     const Case cases[] = {
         {true,
          {{"OBJETOS POSTAIS", 40, 6.5, true},

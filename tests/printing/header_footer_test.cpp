@@ -9,6 +9,7 @@
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printed_text.hpp"
+#include "support/temp_folder.hpp"
 
 using nimbara::cls_Impressao;
 using nimbara::cls_ImpressaoA;
@@ -51,11 +52,7 @@ std::vector<std::string> texts_at(const RecordingSurface& s, double x, double y)
 
 TEST(HeaderFooter, PlaceholderContractsStayEmptyInTheArrayEditionOnly)
 {
-    struct Case {
-        const char* contract;
-        bool array;
-        bool printed;
-    };
+    struct Case { const char* contract; bool array; bool printed; };
     const Case cases[] = {{"888888888", true, false}, {"777777777", true, false}, {" 888888888.0 ", true, false},
                           {"123", true, true},        {"888888888", false, true}, {"777777777", false, true}};
     for (const auto& c : cases) {
@@ -78,9 +75,7 @@ TEST(HeaderFooter, NonNumericContractStopsTheArrayEditionBeforeTheRemarks)
     const auto s = header_of(a, h);
     EXPECT_FALSE(find_text(s, "remarks"));
     EXPECT_TRUE(find_text(s, "T1")) << "the fields before it are printed";
-    std::ifstream log(a.log_path());
-    const std::string text{std::istreambuf_iterator<char>(log), {}};
-    EXPECT_NE(text.find("ImprimeHeaderFooter-Erro:Type mismatch"), std::string::npos);
+    EXPECT_NE(nimbara::testing::read_file(a.log_path()).find("ImprimeHeaderFooter-Erro:Type mismatch"), std::string::npos);
     std::filesystem::remove(a.log_path());
 }
 
@@ -127,10 +122,7 @@ TEST(HeaderFooter, PaymentMarks)
 TEST(HeaderFooter, MyReplaceSpacePadsLinesToTheirWidth)
 {
     const std::string line130(130, 'x');
-    struct Case {
-        std::string in;
-        std::string out;
-    };
+    struct Case { std::string in; std::string out; };
     const Case cases[] = {
         {"AB\r\nCD", "AB" + std::string(128, ' ') + "CD"},
         {line130 + "\r\nCD", line130 + std::string(130, ' ') + "CD"},
@@ -146,10 +138,7 @@ TEST(HeaderFooter, RemarksSlices)
 {
     std::string remarks;
     for (int i = 0; i < 700; ++i) remarks += static_cast<char>('A' + i % 26);
-    struct Case {
-        const char* what;
-        std::vector<std::pair<int, int>> slices;
-    };
+    struct Case { const char* what; std::vector<std::pair<int, int>> slices; };
     const Case cases[] = {
         {"array, header", {{1, 130}, {131, 130}, {262, 130}, {393, 130}, {524, 130}}},
         {"array, reprint", {{1, 130}, {131, 120}, {250, 130}, {393, 130}, {524, 130}}},

@@ -38,9 +38,10 @@ struct Printed {
     std::vector<std::string> symbols;
     std::string log;
     std::int32_t forecast = 0;
+    GuiaArrays arrays;  // as the run left them
 };
 
-Printed print(GuiaArrays g)
+Printed print(GuiaArrays g, double left = 0, double top = 0)
 {
     nimbara::testing::TempFolder folder;
     cls_ImpressaoA printer;
@@ -48,10 +49,10 @@ Printed print(GuiaArrays g)
     printer.arrays = std::move(g);
     Printed out;
     out.forecast = printer.Calcula_TotalidadePaginas(1027);
-    printer.Imprime_Parte_Variavel("", 1027, 0, out.surface, form_impressao(), 0, 0, 0, "2025-05-03", "2025/1027");
+    printer.Imprime_Parte_Variavel("", 1027, 0, out.surface, form_impressao(), left, top, 0, "2025-05-03", "2025/1027");
+    out.arrays = printer.arrays;
     out.symbols = recorded_symbols(out.surface);
-    std::ifstream in(folder.path() / "print.log");
-    out.log.assign(std::istreambuf_iterator<char>(in), {});
+    out.log = nimbara::testing::read_file(folder.path() / "print.log");
     EXPECT_EQ(printer.Str_CodBarrasServEsp, "");
     EXPECT_EQ(printer.Total_Se_CodBarras, 0);
     return out;
@@ -123,28 +124,21 @@ TEST(PageDriver, ServiceRowsTakeRowsOfTheirOwn)
 
 TEST(PageDriver, FormatSwapAndTotal)
 {
-    auto g = guia_of(1, {.product = "C07", .quantity = "1234", .format = "07", .campaign = {}, .tax_quantity = "0"});
-    cls_ImpressaoA printer;
-    printer.arrays = g;
-    RecordingSurface s;
-    printer.Imprime_Parte_Variavel("", 1027, 0, s, form_impressao(), 0, 0, 0, "2025-05-03", "2025/1027");
-    EXPECT_EQ(at(s, 90, 42.5), (std::vector<std::string>{"1"})) << "format column";
-    EXPECT_EQ(printer.arrays.arrGuia.text(guia::Formato, 0), "07") << "the table keeps its value";
-    const auto symbols = recorded_symbols(s);
-    ASSERT_EQ(symbols.size(), 1u);
-    EXPECT_EQ(symbols[0].substr(87, 24), "01C070000200001234011001");
+    const auto p = print(guia_of(1, {.product = "C07", .quantity = "1234", .format = "07", .campaign = {}, .tax_quantity = "0"}));
+    EXPECT_EQ(at(p.surface, 90, 42.5), (std::vector<std::string>{"1"})) << "format column";
+    EXPECT_EQ(p.arrays.arrGuia.text(guia::Formato, 0), "07") << "the table keeps its value";
+    ASSERT_EQ(p.symbols.size(), 1u);
+    EXPECT_EQ(p.symbols[0].substr(87, 24), "01C070000200001234011001");
     const std::vector<std::pair<double, std::string>> digits = {{99.5, "4"}, {95.5, "3"}, {91.5, "2"}, {87.5, "1"}};
-    for (const auto& [x, d] : digits) EXPECT_EQ(at(s, x, 115), std::vector<std::string>{d}) << x;
+    for (const auto& [x, d] : digits) EXPECT_EQ(at(p.surface, x, 115), std::vector<std::string>{d}) << x;
 }
 
 TEST(PageDriver, CampaignRemarksAndMargins)
 {
     auto g = guia_of(1);
     add_line(g, {.campaign = "VERAO"});
-    cls_ImpressaoA printer;
-    printer.arrays = g;
-    RecordingSurface s;
-    printer.Imprime_Parte_Variavel("", 1027, 0, s, form_impressao(), 10, 5, 0, "2025-05-03", "2025/1027");
+    const auto p = print(g, 10, 5);
+    const auto& s = p.surface;
     // The remarks are printed again with the campaign of the second row behind the header's.
     const auto texts = printed_texts(s);
     EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const PrintedText& t) {

@@ -10,6 +10,7 @@
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "platform/pdf_surface.hpp"
 #include "printed_text.hpp"
+#include "support/temp_folder.hpp"
 
 using nimbara::cls_Impressao;
 using nimbara::cls_ImpressaoA;
@@ -98,20 +99,14 @@ struct CapturingNotifier final : nimbara::Notifier {
     void progress(int) override {}
 };
 
-std::string read_all(const std::filesystem::path& p)
-{
-    std::ifstream in(p);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 }  // namespace
 
 // A surface failure ends the box where it is, goes to the log with the routine's name, and never
 // reaches the caller; the array edition also tells the notifier what it logs.
 TEST(Primitives, FailuresAreLoggedAndSwallowed)
 {
-    const auto dir = std::filesystem::temp_directory_path() / ("nimbara-prim-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
+    nimbara::testing::TempFolder folder;
+    const auto& dir = folder.path();
     nimbara::platform::PdfSurface pdf(dir / "never.pdf");
     pdf.setDrawMode(9);  // the PDF surface draws boxes in copy mode only
 
@@ -125,7 +120,7 @@ TEST(Primitives, FailuresAreLoggedAndSwallowed)
     EXPECT_NO_THROW(d.printaCaixaFilled(10, 10, 0, 0, pdf));
     nimbara::set_notifier(nullptr);
 
-    const std::string a_log = read_all(dir / "a.log"), d_log = read_all(dir / "d.log");
+    const std::string a_log = nimbara::testing::read_file(dir / "a.log"), d_log = nimbara::testing::read_file(dir / "d.log");
     EXPECT_NE(a_log.find("\tprintaCaixa-Erro:Line in draw mode 9 is not supported"), std::string::npos) << a_log;
     EXPECT_NE(d_log.find("\tprintaCaixaFilled-Erro:Line in draw mode 9"), std::string::npos) << d_log;
     ASSERT_EQ(notes.messages.size(), 3u);
@@ -133,5 +128,4 @@ TEST(Primitives, FailuresAreLoggedAndSwallowed)
     EXPECT_TRUE(notes.messages[1].starts_with("Entry - printaCaixa-Erro:"));
     EXPECT_EQ(notes.messages[2], "WriteLog - error");
     EXPECT_FALSE(std::filesystem::exists(dir / "never.pdf"));
-    std::filesystem::remove_all(dir);
 }

@@ -5,30 +5,19 @@
 #include <string>
 
 #include "printing/print_log.hpp"
+#include "support/temp_folder.hpp"
 
 namespace fs = std::filesystem;
 using nimbara::printing::append_log_line;
 using nimbara::printing::GetLogSize;
+using nimbara::testing::read_file;
 
-namespace {
-
-std::string read_all(const fs::path& p)
+TEST(PrintLog, RollsOverAboveTwoMillionBytesAndReportsAnUnwritableLog)
 {
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-}  // namespace
-
-TEST(PrintLog, RollsOverAboveTwoMillionBytes)
-{
-    const auto dir = fs::temp_directory_path() / ("nimbara-log-" + std::to_string(::getpid()));
-    fs::create_directories(dir);
+    nimbara::testing::TempFolder folder;
+    const auto& dir = folder.path();
     const auto log = dir / "Zartel_Nimbara.log", old = dir / "Zartel_Nimbara.old";
-    struct Case {
-        std::uintmax_t size;
-        bool rolled;
-    };
+    struct Case { std::uintmax_t size; bool rolled; };
     for (const Case c : {Case{0, false}, Case{2000000, false}, Case{2000001, true}}) {
         fs::remove(old);
         fs::remove(log);
@@ -37,21 +26,16 @@ TEST(PrintLog, RollsOverAboveTwoMillionBytes)
             std::ofstream(log, std::ios::binary) << std::string(c.size, 'x');
         }
         append_log_line(log, "printaCaixa-Erro:boom");
-        const std::string text = read_all(log);
+        const std::string text = read_file(log);
         EXPECT_TRUE(text.ends_with("\tprintaCaixa-Erro:boom\n")) << c.size;
         EXPECT_EQ(text.size(), (c.rolled ? 0 : c.size) + 20 + 22) << "date and time, tab, entry, line end";
         if (c.rolled) {
             EXPECT_EQ(fs::file_size(old), c.size) << "the old log replaces the generation before";
         } else if (c.size > 0) {
-            EXPECT_EQ(read_all(old), "older generation");
+            EXPECT_EQ(read_file(old), "older generation");
         }
     }
     EXPECT_EQ(GetLogSize(dir / "missing.log"), -1);
     EXPECT_EQ(GetLogSize(log), static_cast<std::int32_t>(fs::file_size(log)));
-    fs::remove_all(dir);
-}
-
-TEST(PrintLog, UnwritableLogIsReported)
-{
     EXPECT_THROW(append_log_line("/nonexistent-folder/x.log", "entry"), std::runtime_error);
 }

@@ -1,6 +1,5 @@
 #pragma once
-// Reading the PDF417 symbols of printed pages back: from the rectangles a recording surface kept, or
-// from a region of a rendered page.
+// Reading PDF417 symbols back: from grey pixels, or from the rectangles a recording surface kept.
 #define ZX_USE_UTF8
 #include <ZXing/ReadBarcode.h>
 
@@ -9,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/pdf_surface.hpp"
 #include "printing/recording_surface.hpp"
 
 namespace printing_test {
@@ -59,22 +57,6 @@ inline std::vector<std::string> recorded_symbols(const nimbara::printing::Record
         if (in_symbol && c.op == "Line") rects.push_back({c.numbers[1], c.numbers[2], c.numbers[3], c.numbers[4]});
     }
     return out;
-}
-
-// The symbol in the top-right corner of a rendered page (x 150 to 261.5 mm, y 1 to 19 mm).
-inline std::string rendered_symbol(const nimbara::platform::RasterImage& page, double dpi)
-{
-    const auto px = [&](double mm) { return static_cast<int>(mm / 25.4 * dpi); };
-    const int x0 = px(150), x1 = px(261.5), y0 = px(1), y1 = px(19), margin = 40;
-    const int w = x1 - x0 + 2 * margin, h = y1 - y0 + 2 * margin;
-    std::vector<std::uint8_t> gray(static_cast<std::size_t>(w) * h, 255);
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x) {
-            const auto rgb = page.at(x, y);
-            gray[static_cast<std::size_t>(y - y0 + margin) * w + x - x0 + margin] =
-                static_cast<std::uint8_t>(((rgb >> 16 & 0xFF) + (rgb >> 8 & 0xFF) + (rgb & 0xFF)) / 3);
-        }
-    return decode_pixels(gray, w, h);
 }
 
 }  // namespace printing_test

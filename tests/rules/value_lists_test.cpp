@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
-#include <pugixml.hpp>
 
 #include <set>
 #include <sstream>
 
 #include "nimbara/GlobalXML.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "support/rule_table_file.hpp"
 
 namespace xml = nimbara::GlobalXML;
 
@@ -18,16 +18,13 @@ struct ListRow {
 
 std::vector<ListRow> list_rows(std::string_view text)
 {
-    pugi::xml_document doc;
-    EXPECT_TRUE(doc.load_buffer(text.data(), text.size()));
     std::vector<ListRow> rows;
-    for (const auto& i : doc.select_nodes("LIST/ITEM")) {
-        const auto n = i.node();
-        std::vector<std::string> tags;
-        for (const auto& c : n.children()) tags.emplace_back(c.name());
+    for (const auto& item : nimbara::testing::read_items(text)) {
+        EXPECT_EQ(item.size(), 4u);
+        if (item.size() != 4) continue;
+        const std::vector<std::string> tags = {item[0].first, item[1].first, item[2].first, item[3].first};
         EXPECT_EQ(tags, (std::vector<std::string>{"CODIGO", "DESIGNACAO", "OBSERVACOES", "ACTIVO"}));
-        rows.push_back({n.child("CODIGO").text().get(), n.child("DESIGNACAO").text().get(),
-                        n.child("OBSERVACOES").text().get(), n.child("ACTIVO").text().get()});
+        rows.push_back({item[0].second, item[1].second, item[2].second, item[3].second});
     }
     return rows;
 }
@@ -47,12 +44,7 @@ std::set<std::string> words(const std::string& s)
 }
 
 using Getter = std::string_view (nimbara::cls_ValProdutosA::*)() const;
-struct ListCase {
-    std::string_view function;
-    Getter getter;
-    std::size_t rows;
-    bool repeats_last;
-};
+struct ListCase { std::string_view function; Getter getter; std::size_t rows; bool repeats_last; };
 const ListCase kLists[] = {
     {"getXML_ProdutoLOV", &nimbara::cls_ValProdutosA::getProdutoLOV, 58, true},
     {"getXML_VelocidadeLOV", &nimbara::cls_ValProdutosA::getVelocidadeLOV, 5, true},

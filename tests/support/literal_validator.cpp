@@ -50,10 +50,7 @@ std::string assemble(std::string_view function)
     return text::to_upper(text);
 }
 
-struct Document {
-    pugi::xml_document dom;
-    pugi::xpath_node_set items;
-};
+struct Document { pugi::xml_document dom; pugi::xpath_node_set items; };
 
 void load(Document& doc, std::string_view function)
 {

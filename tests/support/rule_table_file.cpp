@@ -1,5 +1,7 @@
 #include "support/rule_table_file.hpp"
 
+#include <pugixml.hpp>
+
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -37,6 +39,18 @@ std::vector<std::string> split_blanks(const std::string& s)
     while (in >> w)
         if (w != "-") out.push_back(w);
     return out;
+}
+
+std::vector<Item> read_items(std::string_view document)
+{
+    pugi::xml_document doc;
+    if (!doc.load_buffer(document.data(), document.size())) throw std::runtime_error("not well-formed XML");
+    std::vector<Item> items;
+    for (const auto& i : doc.select_nodes("LIST/ITEM")) {
+        Item& item = items.emplace_back();
+        for (const auto& c : i.node().children()) item.emplace_back(c.name(), c.text().get());
+    }
+    return items;
 }
 
 }  // namespace nimbara::testing

@@ -1,20 +1,21 @@
 #pragma once
 // A fresh folder under the system's temporary folder, named after the running test and removed with
-// the object, so that tests that write files never see each other's.
+// the object, so that tests that write files never see each other's; and reading back what they wrote.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace nimbara::testing {
 
 class TempFolder {
 public:
-    TempFolder()
-        : path_(std::filesystem::temp_directory_path() /
-                ("nimbara-" + std::to_string(::getpid()) + "-" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name()))
+    // A suite's shared folder names itself, as no test is running when it is made.
+    explicit TempFolder(const std::string& name = ::testing::UnitTest::GetInstance()->current_test_info()->name())
+        : path_(std::filesystem::temp_directory_path() / ("nimbara-" + std::to_string(::getpid()) + "-" + name))
     {
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
@@ -32,5 +33,12 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// The whole of a file as bytes; the empty text when it cannot be read.
+inline std::string read_file(const std::filesystem::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
 
 }  // namespace nimbara::testing
