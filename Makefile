@@ -1,8 +1,19 @@
 # Every target installs what is missing, configures and builds into build/, then runs.
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
+# The sanitizer build: every test under AddressSanitizer and UndefinedBehaviorSanitizer.
+SANITIZE_DIR ?= build-sanitize
+# The fuzzing build (clang) and how long each harness runs.
+FUZZ_DIR ?= build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZERS := line_batch fill guia_file
 
-.PHONY: deps configure build demo test bench clean
+# Leaks of the font libraries' process-wide caches are theirs, not ours; a finding ends the run.
+export LSAN_OPTIONS ?= suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0
+export UBSAN_OPTIONS ?= print_stacktrace=1:halt_on_error=1
+export ASAN_OPTIONS ?= detect_leaks=1:abort_on_error=1
+
+.PHONY: deps configure build demo test sanitize fuzz bench clean
 
 deps:
 	@scripts/install-deps
@@ -19,8 +30,27 @@ demo: build
 test: build
 	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
 
+# Lightly optimised, only what the tests need, so that it fits beside the normal build in CI.
+sanitize: deps
+	@cmake -S . -B $(SANITIZE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
+	  -DNIMBARA_SANITIZE=ON >/dev/null
+	@cmake --build $(SANITIZE_DIR) -j $(JOBS) --target nimbara_tests
+	@cd $(SANITIZE_DIR) && ctest --output-on-failure -j $(JOBS)
+
+# Each harness runs FUZZ_SECONDS over its seeds from fuzz/corpus and what earlier runs kept in
+# $(FUZZ_DIR)/corpus; a crash leaves its input in $(FUZZ_DIR) and stops.
+fuzz: deps
+	@cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug \
+	  -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" -DNIMBARA_FUZZ=ON >/dev/null
+	@cmake --build $(FUZZ_DIR) -j $(JOBS) --target $(addprefix fuzz_,$(FUZZERS))
+	@for f in $(FUZZERS); do \
+	  mkdir -p $(FUZZ_DIR)/corpus/$$f && \
+	  (cd $(FUZZ_DIR) && bin/fuzz_$$f -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
+	    corpus/$$f $(CURDIR)/fuzz/corpus/$$f) || exit 1; \
+	done
+
 bench: build
 	@for b in $(BUILD_DIR)/bin/bench_*; do echo "== $$b"; $$b; done
 
 clean:
-	@rm -rf $(BUILD_DIR)
+	@rm -rf $(BUILD_DIR) $(SANITIZE_DIR) $(FUZZ_DIR)

@@ -60,15 +60,16 @@ std::string string_literal(std::string_view s)
 std::string number(const std::optional<std::int32_t>& n) { return n ? std::to_string(*n) : "std::nullopt"; }
 
 // The document's tags, cell texts, cells and bounds as arrays named after its position; each distinct
-// text is stored once and the cells point into the store by offset.
+// text is stored once and the cells point into the store by offset. They are constexpr rather than
+// constinit because the table of tables reads them in its own constant initializer.
 void write_rows(std::ostream& out, std::size_t index, const nimbara::rules::PossibleValueDocument& doc)
 {
     const auto name = std::to_string(index);
-    out << "constinit const std::string_view kTags" << name << "[] = {";
+    out << "constexpr std::string_view kTags" << name << "[] = {";
     for (std::size_t t = 0; t < doc.tags.size(); ++t) out << (t ? ", " : "") << string_literal(doc.tags[t]);
     std::string texts;
     std::map<std::string, std::size_t> offsets;
-    out << "};\nconstinit const PossibleValueCell kCells" << name << "[] = {\n";
+    out << "};\nconstexpr PossibleValueCell kCells" << name << "[] = {\n";
     for (const auto& row : doc.rows) {
         out << "   ";
         for (const auto& cell : row) {
@@ -83,8 +84,8 @@ void write_rows(std::ostream& out, std::size_t index, const nimbara::rules::Poss
         out << '\n';
     }
     if (texts.size() >= nimbara::rules::PossibleValueCell::kAbsent) throw std::runtime_error("possible-value texts too long");
-    out << "};\nconstinit const std::string_view kTexts" << name << "(" << string_literal(texts) << ", " << texts.size()
-        << ");\nconstinit const WeightBounds kBounds" << name << "[] = {\n";
+    out << "};\nconstexpr std::string_view kTexts" << name << "(" << string_literal(texts) << ", " << texts.size()
+        << ");\nconstexpr WeightBounds kBounds" << name << "[] = {\n";
     for (const auto& b : doc.bounds) out << "    {" << number(b.min) << ", " << number(b.max) << "},\n";
     out << "};\n\n";
 }
