@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "cli_run.hpp"
 #include "nimbara/GlobalXML.hpp"
 #include "support/temp_folder.hpp"
@@ -23,29 +25,31 @@ TEST(Cli, VersionAndEveryCatalogueDocumentExactly)
     }
 }
 
-TEST(Cli, CheckLinesJudgesEveryRowAndRefusesBadOnes)
+// Each batch in tests/data/check_lines (NAME.tsv) against its expected answers (NAME.out): a refused
+// row answers "!" and its reason, is named by line number on standard error, and makes the status 2.
+TEST(Cli, CheckLinesBatchesAgainstTheirExpectedAnswers)
 {
-    const std::string batch =
-        "C01\t01\t50\t0\t02\t1\t0\t0\t0\t0\n"
-        "C01\t01\t50\t0\t02\n"                       // too few fields
-        "C01\t01\t5x\t0\t02\t1\t0\t0\t0\t0\n"        // weight is no number
-        "C01\t01\t3000000000\t0\t02\t1\t0\t0\t0\t0\n"  // weight beyond 32 bits
-        "C24\t01\t10\t01\t01\t1\t0\t0\t0\t02\r\n"    // CR LF line end
-        "C01\t01\t20\t0\t01\t1\t0\t0\t0\t0,02,07\n";
-    const auto r = run("check-lines", batch);
-    EXPECT_EQ(r.status, 2);
-    EXPECT_EQ(r.out,
-              "0\n"
-              "!expected 10 tab-separated fields, found 5\n"
-              "!weight \"5x\" is not a 32-bit whole number\n"
-              "!weight \"3000000000\" is not a 32-bit whole number\n"
-              "-16\t06\n"
-              "-10\t02,07\n");
-    for (const char* place : {"<stdin>:2:", "<stdin>:3:", "<stdin>:4:"}) EXPECT_NE(r.err.find(place), std::string::npos) << r.err;
-
-    const auto clean = run("check-lines", "C01\t01\t0\t0\t02\t1\t0\t0\t0\t0\n");
-    EXPECT_EQ(clean.status, 0);
-    EXPECT_EQ(clean.out, "-3\tErro na Validação do Peso\n");
+    const fs::path folder = fs::path(NIMBARA_SOURCE_DIR) / "tests/data/check_lines";
+    int batches = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (entry.path().extension() != ".tsv") continue;
+        ++batches;
+        const auto name = entry.path().filename().string();
+        const std::string expected = nimbara::testing::read_file(fs::path(entry.path()).replace_extension(".out"));
+        const auto r = run("check-lines", nimbara::testing::read_file(entry.path()));
+        EXPECT_EQ(r.out, expected) << name;
+        std::istringstream answers(expected);
+        std::string answer;
+        bool refused = false;
+        for (int line = 1; std::getline(answers, answer); ++line) {
+            if (answer.empty() || answer[0] != '!') continue;
+            refused = true;
+            EXPECT_NE(r.err.find("<stdin>:" + std::to_string(line) + ": " + answer.substr(1)), std::string::npos)
+                << name << " line " << line << ": " << r.err;
+        }
+        EXPECT_EQ(r.status, refused ? 2 : 0) << name;
+    }
+    EXPECT_GE(batches, 4);
 }
 
 TEST(Cli, FormWritesAPdfAndAPreview)
