@@ -233,18 +233,87 @@ void replay(cairo_t* cr, const Page& page, double line)
     }
 }
 
-cairo_status_t write_to_file(void* closure, const unsigned char* data, unsigned int length)
-{
-    return std::fwrite(data, 1, length, static_cast<std::FILE*>(closure)) == length ? CAIRO_STATUS_SUCCESS
-                                                                                   : CAIRO_STATUS_WRITE_ERROR;
-}
-
 std::filesystem::path part_name(const std::filesystem::path& target)
 {
     auto temp = target;
     temp += ".part";
     return temp;
 }
+
+// Where a job's bytes go: a ".part" file beside the target, renamed to it once the job is whole. A
+// target that exists and is no regular file (a device, a pipe) takes the bytes itself, as renaming
+// over it would replace it.
+std::filesystem::path staging_name(const std::filesystem::path& target)
+{
+    std::error_code ec;
+    const auto status = std::filesystem::status(target, ec);
+    if (!ec && std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) return target;
+    return part_name(target);
+}
+
+// A file of ours that cairo writes into: its bytes go to the staging name and reach the target only
+// when all of them were written; otherwise the staging file goes and the message says why.
+class OutputFile {
+public:
+    explicit OutputFile(std::filesystem::path target) : target_(std::move(target)), staging_(staging_name(target_))
+    {
+        file_.reset(std::fopen(staging_.c_str(), "wb"));
+        if (!file_) throw std::runtime_error("cannot write \"" + target_.string() + "\": " + std::strerror(errno));
+    }
+    ~OutputFile() { discard(); }
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    // cairo's output stream, keeping the cause of the first failed write.
+    static cairo_status_t write(void* closure, const unsigned char* data, unsigned int length)
+    {
+        auto& self = *static_cast<OutputFile*>(closure);
+        if (std::fwrite(data, 1, length, self.file_.get()) == length) return CAIRO_STATUS_SUCCESS;
+        if (self.cause_ == 0) self.cause_ = errno;
+        return CAIRO_STATUS_WRITE_ERROR;
+    }
+
+    // Closes the file and puts it in place; throws with the cause (or cairo's status) when any
+    // part of it could not be written.
+    void commit(cairo_status_t status)
+    {
+        if ((std::fflush(file_.get()) != 0 || std::ferror(file_.get())) && cause_ == 0) cause_ = errno;
+        if (std::fclose(file_.release()) != 0 && cause_ == 0) cause_ = errno;
+        if (status != CAIRO_STATUS_SUCCESS || cause_ != 0) {
+            discard();
+            fail(cause_ != 0 ? std::strerror(cause_) : cairo_status_to_string(status));
+        }
+        std::error_code ec;
+        if (staging_ != target_) std::filesystem::rename(staging_, target_, ec);
+        if (ec) {
+            discard();
+            fail(ec.message());
+        }
+        committed_ = true;
+    }
+
+    const std::filesystem::path& target() const { return target_; }
+
+private:
+    [[noreturn]] void fail(const std::string& cause) const
+    {
+        throw std::runtime_error("cannot write \"" + target_.string() + "\": " + cause);
+    }
+    // Drops an unfinished file; a device target is left as it is.
+    void discard()
+    {
+        if (committed_) return;
+        file_.reset();
+        std::error_code ec;
+        if (staging_ != target_) std::filesystem::remove(staging_, ec);
+    }
+
+    std::filesystem::path target_;
+    std::filesystem::path staging_;
+    FileHandle file_;
+    int cause_ = 0;
+    bool committed_ = false;
+};
 
 // A picture's raster as the printer is given it, kept while the pixels stay the same, so that a
 // document embeds each asset once however many pages show it.
@@ -309,8 +378,7 @@ struct PdfSurface::Impl {
     // The job in progress.
     int jobs_done = 0;
     bool in_job = false;
-    std::filesystem::path target;
-    FileHandle file;
+    std::unique_ptr<OutputFile> file;
     SurfaceHandle pdf;
     bool page_open = false;
     std::vector<Page> pages;
@@ -378,20 +446,15 @@ struct PdfSurface::Impl {
     {
         if (in_job) return;
         const auto path = namer(jobs_done + 1);
-        const auto temp = part_name(path);
-        FileHandle f(std::fopen(temp.c_str(), "wb"));
-        if (!f) throw std::runtime_error("cannot write \"" + path.string() + "\": " + std::strerror(errno));
+        file = std::make_unique<OutputFile>(namer(jobs_done + 1));
         const auto [w, h] = page_twips();
-        SurfaceHandle s(cairo_pdf_surface_create_for_stream(write_to_file, f.get(), w / kTwipsPerPoint, h / kTwipsPerPoint));
+        SurfaceHandle s(cairo_pdf_surface_create_for_stream(OutputFile::write, file.get(), w / kTwipsPerPoint, h / kTwipsPerPoint));
         if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS) {
-            f.reset();
-            std::filesystem::remove(temp);
+            file.reset();
             throw std::runtime_error("cannot start a PDF document: " +
                                      std::string(cairo_status_to_string(cairo_surface_status(s.get()))));
         }
         cairo_pdf_surface_set_metadata(s.get(), CAIRO_PDF_METADATA_CREATOR, "Guia Nimbara");
-        target = path;
-        file = std::move(f);
         pdf = std::move(s);
         pages.clear();
         page_open = false;
@@ -427,23 +490,10 @@ struct PdfSurface::Impl {
         cairo_surface_finish(pdf.get());
         const auto status = cairo_surface_status(pdf.get());
         pdf.reset();
-        const bool flushed = std::fflush(file.get()) == 0 && !std::ferror(file.get());
-        const int saved_errno = errno;
-        const bool closed = std::fclose(file.release()) == 0;
         in_job = false;
-        const auto temp = part_name(target);
-        std::error_code ec;
-        if (status != CAIRO_STATUS_SUCCESS || !flushed || !closed) {
-            std::filesystem::remove(temp, ec);
-            throw std::runtime_error("cannot write \"" + target.string() + "\": " +
-                                     (status != CAIRO_STATUS_SUCCESS ? cairo_status_to_string(status)
-                                                                     : std::strerror(saved_errno)));
-        }
-        std::filesystem::rename(temp, target, ec);
-        if (ec) {
-            std::filesystem::remove(temp);
-            throw std::runtime_error("cannot write \"" + target.string() + "\": " + ec.message());
-        }
+        const std::filesystem::path target = file->target();
+        const auto finishing = std::move(file);
+        finishing->commit(status);
         ++jobs_done;
         written.push_back(target);
     }
@@ -454,8 +504,6 @@ struct PdfSurface::Impl {
         if (!in_job) return;
         pdf.reset();
         file.reset();
-        std::error_code ec;
-        std::filesystem::remove(part_name(target), ec);
         in_job = false;
     }
 
@@ -653,18 +701,8 @@ RasterImage PdfSurface::render(int page, double dpi) const
 void PdfSurface::render_png(int page, double dpi, const std::filesystem::path& png) const
 {
     const auto s = render_surface(impl_->pages, page, dpi);
-    const auto temp = part_name(png);
-    const auto status = cairo_surface_write_to_png(s.get(), temp.c_str());
-    std::error_code ec;
-    if (status != CAIRO_STATUS_SUCCESS) {
-        std::filesystem::remove(temp, ec);
-        throw std::runtime_error("cannot write \"" + png.string() + "\": " + cairo_status_to_string(status));
-    }
-    std::filesystem::rename(temp, png, ec);
-    if (ec) {
-        std::filesystem::remove(temp);
-        throw std::runtime_error("cannot write \"" + png.string() + "\": " + ec.message());
-    }
+    OutputFile file(png);
+    file.commit(cairo_surface_write_to_png_stream(s.get(), OutputFile::write, &file));
 }
 
 }  // namespace nimbara::platform
