@@ -140,3 +140,15 @@ TEST(DoValidaProduto, SpecialServices)
     for (const auto& c : cases) EXPECT_EQ(show(validate(c.line)), show(c.expected)) << c.what;
 }
 
+
+// Views that hold no pointer at all, as a host may hand in for an empty field, are empty texts.
+TEST(DoValidaProduto, EmptyViewsWithoutAPointer)
+{
+    const std::string_view none;
+    const nimbara::cls_ValProdutosA v;
+    EXPECT_EQ(show(v.DoValidaProduto("C01", none, 20, "0", "01", "1", "0", "0", none, none)),
+              show(validate(Line{.zone = "", .sampling = "", .services = ""})));
+    EXPECT_EQ(show(v.DoValidaProduto(none, "01", 20, none, none, "1", none, none, none, none)),
+              show(validate(Line{.product = "", .speed = "", .format = "", .discount = "", .scope = "", .sampling = "",
+                                 .services = ""})));
+}
