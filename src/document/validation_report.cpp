@@ -47,10 +47,10 @@ private:
     int row_;
 };
 
-ValidationResult validate_line(const Row& r)
+ValidationResult validate_line(const Row& r, const validation::RuleCatalogue& catalogue)
 {
     return validation::validate_line(
-        validation::RuleIndex::compiled(),
+        catalogue.index(),
         {r.text(guia::B_Produto), r.text(guia::A_Zona_Taxacao), r.number(guia::Escalao), r.text(guia::E_Velocidade),
          r.text(guia::Formato), r.pre_treatment(), r.text(guia::Desconto), r.text(guia::CodAmbitoDist),
          r.text(guia::Entrega_Sampling), r.text(guia::ListaServesp)});
@@ -97,28 +97,29 @@ bool is_weight_error(std::int32_t number) { return number == -3 || (number >= -2
 
 // What would have been accepted, from the fields that precede the failing one; nothing for errors
 // that have no such question.
-std::optional<validation::PossibleValues> possible_values(std::int32_t number, const Row& r)
+std::optional<validation::PossibleValues> possible_values(std::int32_t number, const Row& r,
+                                                          const validation::RuleCatalogue& catalogue)
 {
     using namespace validation;
     const auto product = r.text(guia::B_Produto), zone = r.text(guia::A_Zona_Taxacao);
     const auto speed = r.text(guia::E_Velocidade), format = r.text(guia::Formato);
     const auto pre = r.text(guia::PreTratamento);
-    if (is_weight_error(number)) return GetPossibleValues_Peso(product, zone);
+    if (is_weight_error(number)) return GetPossibleValues_Peso(product, zone, catalogue);
     switch (number) {
-    case -2: return GetPossibleValues_ZonaTaxacao(product);
-    case -4: return GetPossibleValues_Velocidade(product, zone, r.number(guia::Escalao));
-    case -5: return GetPossibleValues_Formato(product, zone, speed, r.number(guia::Escalao));
-    case -6: return GetPossibleValues_PreTratamento(product, zone, speed, format, r.number(guia::Escalao));
-    case -7: return GetPossibleValues_Desconto(product, zone, speed, format, pre, r.number(guia::Escalao));
-    case -8: return GetPossibleValues_AmbitoDistribuicao(product, zone, speed, format, pre, r.number(guia::Escalao));
+    case -2: return GetPossibleValues_ZonaTaxacao(product, catalogue);
+    case -4: return GetPossibleValues_Velocidade(product, zone, r.number(guia::Escalao), catalogue);
+    case -5: return GetPossibleValues_Formato(product, zone, speed, r.number(guia::Escalao), catalogue);
+    case -6: return GetPossibleValues_PreTratamento(product, zone, speed, format, r.number(guia::Escalao), catalogue);
+    case -7: return GetPossibleValues_Desconto(product, zone, speed, format, pre, r.number(guia::Escalao), catalogue);
+    case -8: return GetPossibleValues_AmbitoDistribuicao(product, zone, speed, format, pre, r.number(guia::Escalao), catalogue);
     case -21:
         // The weight step stands where the scope belongs and the scope, as a number, where the
         // weight belongs: the call has always been made so.
         return GetPossibleValues_AmostraDireta(product, zone, speed, format, pre, r.text(guia::Escalao),
-                                               r.number(guia::CodAmbitoDist));
+                                               r.number(guia::CodAmbitoDist), catalogue);
     case -10:
         return GetPossibleValues_ServicosEspeciais(product, zone, speed, format, pre, r.text(guia::Desconto),
-                                                   r.number(guia::Escalao));
+                                                   r.number(guia::Escalao), catalogue);
     default: return std::nullopt;
     }
 }
@@ -129,14 +130,14 @@ void open_listing(std::string& out)
     add_line(out, "Valores Possiveis: ", "");
 }
 
-void append_listing(std::string& out, std::int32_t number, const Row& r)
+void append_listing(std::string& out, std::int32_t number, const Row& r, const validation::RuleCatalogue& catalogue)
 {
     if (const auto s = sentence(number)) {
         open_listing(out);
         out += *s;
         return;
     }
-    const auto values = possible_values(number, r);
+    const auto values = possible_values(number, r, catalogue);
     if (!values) return;
     // A failed or empty answer leaves the listing out, heading included.
     const auto* rows = std::get_if<std::vector<validation::CodeLabel>>(&*values);
@@ -156,7 +157,8 @@ std::string description_text(const ErrorArray& e)
     return std::get<std::string>(e.description);
 }
 
-void append_line_block(std::string& out, const Row& r, int row, const ErrorArray& e)
+void append_line_block(std::string& out, const Row& r, int row, const ErrorArray& e,
+                       const validation::RuleCatalogue& catalogue)
 {
     out += kBreak;
     add_line(out, "Ordem Insercao = ", std::to_string(row + 1));
@@ -166,13 +168,13 @@ void append_line_block(std::string& out, const Row& r, int row, const ErrorArray
     add_line(out, "Descricao = ", description_text(e));
     if (const auto* list = std::get_if<ListArray>(&e.description))
         add_line(out, "Servicos Especiais Errados = ", GlobalFrameWork::Array2String(*list));
-    append_listing(out, e.number, r);
+    append_listing(out, e.number, r, catalogue);
     add_line(out, "------", "");
 }
 
 }  // namespace
 
-ValidationReport build_validation_report(const GuiaArrays& guia)
+ValidationReport build_validation_report(const GuiaArrays& guia, const validation::RuleCatalogue& catalogue)
 {
     const FieldTable& header = guia.arrCabecalho;
     const FieldTable& lines = guia.arrGuia;
@@ -188,9 +190,9 @@ ValidationReport build_validation_report(const GuiaArrays& guia)
     // Every line is judged; a bad line stops nothing.
     for (int row = 0; row < lines.row_count(); ++row) {
         const Row r(lines, row);
-        if (const auto error = validate_line(r)) {
+        if (const auto error = validate_line(r, catalogue)) {
             report.errors = true;
-            append_line_block(out, r, row, *error);
+            append_line_block(out, r, row, *error, catalogue);
         }
     }
     if (report.errors) return report;

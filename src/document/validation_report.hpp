@@ -5,6 +5,7 @@
 #include <string>
 
 #include "nimbara/guia_arrays.hpp"
+#include "validation/rule_catalogue.hpp"
 
 namespace nimbara::document {
 
@@ -19,7 +20,9 @@ struct ValidationReport {
     std::string text;     // the report, without the line break that writing it adds
 };
 
-// Judges the Guia and builds its report; the Guia must have lines. Throws ReportFailure.
-ValidationReport build_validation_report(const GuiaArrays& guia);
+// Judges the Guia against the catalogue and builds its report; the Guia must have lines. Throws
+// ReportFailure.
+ValidationReport build_validation_report(const GuiaArrays& guia,
+                                         const validation::RuleCatalogue& catalogue = validation::RuleCatalogue::compiled());
 
 }  // namespace nimbara::document

@@ -1,4 +1,5 @@
 #include "rules/catalogue.hpp"
+#include "rules/possible_value_key.hpp"
 
 #include <stdexcept>
 #include <string>
@@ -12,11 +13,12 @@ std::span<const RuleRow> rule_table() { return {generated::kRuleTable, generated
 
 std::span<const RepeatedRow> repeated_rows() { return {generated::kRepeatedRows, generated::kRepeatedRowCount}; }
 
-const PossibleValueTable& possible_value_table(std::string_view function)
+const SourceTexts& source_texts() { return generated::kSourceTexts; }
+
+const PossibleValueTable& possible_value_table(PossibleValueKey key)
 {
-    for (const auto& t : std::span(generated::kPossibleValueTables, generated::kPossibleValueTableCount))
-        if (t.function == function) return t;
-    throw std::logic_error("catalogue has no possible-value rows for " + std::string(function));
+    static_assert(kPossibleValueKeyCount > 0);
+    return generated::kPossibleValueTables[static_cast<std::size_t>(key)];
 }
 
 }  // namespace nimbara::rules

@@ -48,11 +48,23 @@ struct PossibleValueTable {
 
 std::span<const RuleRow> rule_table();
 
+// The tables of data/ other than the rule table, as the catalogue was generated from them: what a
+// catalogue built from rule rows handed in needs besides the rows.
+struct SourceTexts {
+    std::string_view document_shapes;
+    std::string_view designations;
+    std::string_view possible_values;
+    std::string_view possible_values_left_out;
+};
+const SourceTexts& source_texts();
+
 // The rows that the dimension documents write twice before their closing tag.
 std::span<const RepeatedRow> repeated_rows();
 
-// The rows of the possible-value document of a GetXMLPossibleValues_ function. Throws
-// std::logic_error for a name the catalogue lacks, which is a build fault.
-const PossibleValueTable& possible_value_table(std::string_view function);
+// The generator names the keys in rules/possible_value_key.hpp, which the generator itself cannot include.
+enum class PossibleValueKey : std::size_t;
+
+// The rows of a possible-value document of the compiled-in catalogue.
+const PossibleValueTable& possible_value_table(PossibleValueKey key);
 
 }  // namespace nimbara::rules

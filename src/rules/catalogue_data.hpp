@@ -23,6 +23,7 @@ extern const RepeatedRow kRepeatedRows[];
 extern const std::size_t kRepeatedRowCount;
 extern const PossibleValueTable kPossibleValueTables[];
 extern const std::size_t kPossibleValueTableCount;
+extern const SourceTexts kSourceTexts;
 }  // namespace generated
 
 }  // namespace nimbara::rules

@@ -6,6 +6,7 @@
 
 #include "foundation/text.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "validation/rule_catalogue.hpp"
 #include "validation/service_rules.hpp"
 
 namespace nimbara::validation {
@@ -176,7 +177,7 @@ ValidationResult cls_ValProdutosA::DoValidaProduto(std::string_view strIdProduto
                                                    std::string_view strCodAmostraDireta,
                                                    std::string_view strListaServEsp) const
 {
-    return validation::validate_line(validation::RuleIndex::compiled(),
+    return validation::validate_line(validation::RuleCatalogue::compiled().index(),
                                      {strIdProduto, strCodZtaxacao, lngPeso, strVelocidade, strFormato, bolPreTratamento,
                                       strDesconto, strCodAmbitoDist, strCodAmostraDireta, strListaServEsp});
 }

@@ -1,9 +1,10 @@
 #include "validation/possible_values.hpp"
 
+#include "rules/possible_value_key.hpp"
+
 #include <initializer_list>
 #include <optional>
 
-#include "rules/catalogue.hpp"
 
 namespace nimbara::validation {
 namespace {
@@ -90,64 +91,72 @@ PossibleValues discount_codes(const PossibleValueTable& document, std::string_vi
 
 }  // namespace
 
-PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product)
+PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product,
+    const RuleCatalogue& catalogue)
 {
-    return walk({rules::possible_value_table("GetXMLPossibleValues_ZonaTaxacao"), {{"CODPRODUTO", product}}, std::nullopt, false,
+    return walk({catalogue.possible_values(rules::PossibleValueKey::ZonaTaxacao), {{"CODPRODUTO", product}}, std::nullopt, false,
                  "CODZTAXACAO", "DESIGNACAO"});
 }
 
-PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone)
+PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone,
+    const RuleCatalogue& catalogue)
 {
-    return walk({rules::possible_value_table("GetXMLPossibleValues_Peso"), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+    return walk({catalogue.possible_values(rules::PossibleValueKey::Peso), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
                  std::nullopt, false, "CESCALAOMIN", "CESCALAOMAX"});
 }
 
-PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight)
+PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
     // For products C38 and C10 only the minimum is compared with the weight.
-    return walk({rules::possible_value_table("GetXMLPossibleValues_Velocidade"), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
+    return walk({catalogue.possible_values(rules::PossibleValueKey::Velocidade), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
                  weight, product == "C38" || product == "C10", "CODVELOCIDADE", "DESIGNACAO"});
 }
 
 PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_view zone, std::string_view speed,
-                                         std::int32_t weight)
+                                         std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
-    return walk({rules::possible_value_table("GetXMLPossibleValues_Formato"),
+    return walk({catalogue.possible_values(rules::PossibleValueKey::Formato),
                  {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}}, weight, false, "CODFORMATO",
                  "DESIGNACAO", LabelRule::VazioForZero});
 }
 
 PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::string_view zone, std::string_view speed,
-                                               std::string_view format, std::int32_t weight)
+                                               std::string_view format, std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
-    return walk({rules::possible_value_table("GetXMLPossibleValues_PreTratamento"),
+    return walk({catalogue.possible_values(rules::PossibleValueKey::PreTratamento),
                  {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}},
                  weight, false, "PRETRATAMENTO", "PRETRATAMENTO", LabelRule::Selection});
 }
 
 PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
-                                          std::string_view format, std::string_view pre_treatment, std::int32_t weight)
+                                          std::string_view format, std::string_view pre_treatment, std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
-    return discount_codes(rules::possible_value_table("GetXMLPossibleValues_Desconto"), product, zone, speed, format,
+    return discount_codes(catalogue.possible_values(rules::PossibleValueKey::Desconto), product, zone, speed, format,
                           pre_treatment, weight);
 }
 
 PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, std::string_view zone,
                                                     std::string_view speed, std::string_view format,
-                                                    std::string_view pre_treatment, std::int32_t weight)
+                                                    std::string_view pre_treatment, std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
     // Reads the discount tag of its own document, so it lists discount codes: that is how it has always answered.
-    return discount_codes(rules::possible_value_table("GetXMLPossibleValues_AmbitoDistribuicao"), product, zone, speed, format,
+    return discount_codes(catalogue.possible_values(rules::PossibleValueKey::AmbitoDistribuicao), product, zone, speed, format,
                           pre_treatment, weight);
 }
 
 PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::string_view zone, std::string_view speed,
                                                std::string_view format, std::string_view pre_treatment,
-                                               std::string_view scope, std::int32_t weight)
+                                               std::string_view scope, std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
     // The sampling document stands shifted, with delivery labels where a minimum belongs, so the
     // bound of its first labelled row fails this call whatever the arguments.
-    return walk({rules::possible_value_table("GetXMLPossibleValues_EntregaSampling"),
+    return walk({catalogue.possible_values(rules::PossibleValueKey::EntregaSampling),
                  {{"CODPRODUTO", product},
                   {"CODZTAXACAO", zone},
                   {"CODVELOCIDADE", speed},
@@ -160,9 +169,10 @@ PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::st
 PossibleValues GetPossibleValues_ServicosEspeciais(std::string_view product, std::string_view zone,
                                                    std::string_view speed, std::string_view format,
                                                    std::string_view pre_treatment, std::string_view discount,
-                                                   std::int32_t weight)
+                                                   std::int32_t weight,
+    const RuleCatalogue& catalogue)
 {
-    return walk({rules::possible_value_table("GetXMLPossibleValues_ServicosEspeciais"),
+    return walk({catalogue.possible_values(rules::PossibleValueKey::ServicosEspeciais),
                  {{"CODPRODUTO", product},
                   {"CODZTAXACAO", zone},
                   {"CODVELOCIDADE", speed},

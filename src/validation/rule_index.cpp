@@ -4,7 +4,6 @@
 #include <map>
 #include <stdexcept>
 
-#include "rules/catalogue.hpp"
 
 namespace nimbara::validation {
 namespace {
@@ -69,12 +68,6 @@ std::span<const IndexedRule* const> RuleIndex::active_rules(std::string_view pro
                                      [](const ProductEntry& e, CodeKey k) { return e.product < k; });
     if (it == products_.end() || it->product != *key) return {};
     return it->rules;
-}
-
-const RuleIndex& RuleIndex::compiled()
-{
-    static const RuleIndex index(rules::rule_table(), rules::repeated_rows());
-    return index;
 }
 
 }  // namespace nimbara::validation

@@ -40,9 +40,6 @@ public:
     // Of the repeated rows only the services' count, since every other dimension tests for presence.
     RuleIndex(std::span<const rules::RuleRow> table, std::span<const rules::RepeatedRow> repeated_rows);
 
-    // The index of the compiled-in catalogue, built on first use.
-    static const RuleIndex& compiled();
-
     // The active rules of a product in rule-list order; empty for an unknown product.
     std::span<const IndexedRule* const> active_rules(std::string_view product) const;
     std::span<const WeightRow> weight_rows() const { return weight_rows_; }

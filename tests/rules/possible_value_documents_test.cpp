@@ -7,6 +7,7 @@
 #include "foundation/text.hpp"
 #include "nimbara/GlobalXML.hpp"
 #include "rules/catalogue.hpp"
+#include "rules/possible_value_key.hpp"
 #include "support/rule_table_file.hpp"
 
 namespace {
@@ -208,7 +209,13 @@ TEST(PossibleValueDocuments, GeneratedRowsReadAsTheText)
 {
     for (const auto& c : cases()) {
         const auto doc = read(*nimbara::GlobalXML::document(c.function));
-        const auto& table = nimbara::rules::possible_value_table(c.function);
+        const nimbara::rules::PossibleValueTable* found = nullptr;
+        for (std::size_t k = 0; k < nimbara::rules::kPossibleValueKeyCount; ++k) {
+            const auto& t = nimbara::rules::possible_value_table(static_cast<nimbara::rules::PossibleValueKey>(k));
+            if (t.function == c.function) found = &t;
+        }
+        ASSERT_NE(found, nullptr) << c.function;
+        const auto& table = *found;
         ASSERT_EQ(table.rows(), doc.rows.size()) << c.function;
         for (std::size_t r = 0; r < table.rows(); ++r) {
             const auto number = [&](const std::string& tag) -> std::optional<std::int32_t> {
