@@ -84,7 +84,8 @@ private:
     void forgetPage(Via& via);
     void turnPage(Via& via, PageSurface& s, const FormImpressao& imagens, bool count_first);
     void finishSymbol(Via& via, PageSurface& s);
-    void detailOfLine(PageSurface& s, int row, std::int32_t y);
+    // The product line of a one-row table, as it prints.
+    void detailOfLine(PageSurface& s, const FieldTable& line, std::int32_t y);
 };
 
 }  // namespace nimbara

@@ -110,10 +110,9 @@ std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
     return {};
 }
 
-void cls_ImpressaoA::detailOfLine(PageSurface& s, int row, std::int32_t y)
+void cls_ImpressaoA::detailOfLine(PageSurface& s, const FieldTable& line, std::int32_t y)
 {
-    const FieldTable& g = arrays.arrGuia;
-    const auto f = [&](int field) { return std::string(g.text(field, row)); };
+    const auto f = [&](int field) { return std::string(line.text(field, 0)); };
     PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao), f(guia::D_Quantidade),
                       f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento), f(guia::Desconto),
                       f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana), f(guia::TaxEsp_Quantidade),
@@ -251,27 +250,20 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
 
 void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& imagens)
 {
-    FieldTable& g = arrays.arrGuia;
+    const FieldTable& g = arrays.arrGuia;
     const int lin = via.lin;
     const int last = g.row_count() - 1;
     const FieldTable& cab = arrays.arrCabecalho;
     const auto f = [&](int field) { return std::string(g.text(field, lin)); };
     const std::string product = f(guia::B_Produto);
 
-    // Format "07" of product "C07" prints and encodes as "01"; the table gets its own value back.
-    const bool swap_format = product == "C07" && f(guia::Formato) == "07";
-    struct FormatBack {
-        FieldTable& g;
-        int row;
-        bool active;
-        ~FormatBack()
-        {
-            if (active) g.set(guia::Formato, row, std::string("07"));
-        }
-    } format_back{g, lin, swap_format};
-    if (swap_format) g.set(guia::Formato, lin, std::string("01"));
+    // The line as it prints and encodes: format "07" of product "C07" stands as "01". A copy of
+    // its own, so that the caller's table never changes.
+    FieldTable line(g.field_count());
+    for (int field = 0; field < g.field_count(); ++field) line.set(field, 0, g.at(field, lin));
+    if (product == "C07" && line.text(guia::Formato, 0) == "07") line.set(guia::Formato, 0, std::string("01"));
 
-    detailOfLine(s, lin, via.yLinha);
+    detailOfLine(s, line, via.yLinha);
     const std::string campaign = f(guia::CodigoCampanha);
     if (!campaign.empty())
         via.observacoes += "Linha " + std::to_string(via.rows() + 1) + "- " + campaign + "; ";
@@ -303,7 +295,7 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
         s.NewPage();
         ++via.pag;
         pageTop(via, s, imagens);
-        detailOfLine(s, lin, via.yLinha);
+        detailOfLine(s, line, via.yLinha);
         if (!campaign.empty()) via.observacoes += "Linha - 1 - " + campaign + "; ";
         via.yLinha += kRowPitch;
     }
@@ -313,7 +305,7 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
 
     ++via.nLinhas;
     if (product != "C25")
-        via.codigoLinhas += printing::item_linha(g, lin, Str_CodBarrasServEsp, Total_Se_CodBarras);
+        via.codigoLinhas += printing::item_linha(line, 0, Str_CodBarrasServEsp, Total_Se_CodBarras);
     else
         ++via.nSemCodigo;
     const std::string quantity = f(guia::D_Quantidade);

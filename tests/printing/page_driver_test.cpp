@@ -3,6 +3,7 @@
 #include <fstream>
 #include <string>
 
+#include "failing_surface.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printed_text.hpp"
 #include "printing/barcode_payload.hpp"
@@ -164,4 +165,20 @@ TEST(PageDriver, AFaultEndsTheCopyButNotTheJob)
     EXPECT_EQ(p.surface.documents_ended(), 1);
     EXPECT_TRUE(p.symbols.empty()) << "the page's symbol never came";
     EXPECT_NE(p.log.find("Imprime_Parte_Variavel-Erro:Invalid procedure call or argument"), std::string::npos) << p.log;
+}
+
+// Format "07" of product "C07" prints as "01", while the printer's own table holds "07" at every
+// call the print makes.
+TEST(PageDriver, TheC07FormatChangesInThePrintedLineOnly)
+{
+    nimbara::testing::TempFolder folder;
+    cls_ImpressaoA printer;
+    printer.set_log_path(folder.path() / "print.log");
+    printer.arrays = guia_of(1, {.product = "C07", .format = "07", .campaign = {}});
+    RecordingSurface recorded;
+    int changed = 0;
+    FailingSurface s(recorded, 0, [&] { changed += printer.arrays.arrGuia.text(guia::Formato, 0) != "07"; });
+    printer.Imprime_Parte_Variavel("", 1027, 0, s, form_impressao(), 0, 0, 0, "2025-05-03", "2025/1027");
+    EXPECT_EQ(changed, 0);
+    EXPECT_EQ(recorded_symbols(recorded).at(0).substr(87, 24), "01C070000200000100011001");
 }
