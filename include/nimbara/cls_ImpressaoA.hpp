@@ -9,6 +9,10 @@
 
 namespace nimbara {
 
+namespace printing {
+class PageDriver;
+}
+
 class cls_ImpressaoA : public ImpressaoComum {
 public:
     cls_ImpressaoA() : ImpressaoComum(Edition::Array) {}
@@ -76,16 +80,8 @@ public:
     std::string Apaga_RegsUltima_linha(PageSurface& impressora);
 
 private:
-    struct Via;
-    void pageTop(Via& via, PageSurface& s, const FormImpressao& imagens);
-    void printLine(Via& via, PageSurface& s, const FormImpressao& imagens);
-    void printServices(Via& via, PageSurface& s, const FormImpressao& imagens);
-    // A finished page's counts and symbol lines, forgotten when the next page starts.
-    void forgetPage(Via& via);
-    void turnPage(Via& via, PageSurface& s, const FormImpressao& imagens, bool count_first);
-    void finishSymbol(Via& via, PageSurface& s);
-    // The product line of a one-row table, as it prints.
-    void detailOfLine(PageSurface& s, const FieldTable& line, std::int32_t y);
+    // The page driver's working state and steps live with it, in the library.
+    friend class printing::PageDriver;
 };
 
 }  // namespace nimbara

@@ -36,8 +36,10 @@ bool follows_with_c25(std::string_view product)
 
 }  // namespace
 
+namespace printing {
+
 // The working state of one copy.
-struct cls_ImpressaoA::Via {
+struct Via {
     std::int32_t pag = 0;
     std::int32_t TotPaginas = 0;
     int lin = 0;
@@ -47,7 +49,7 @@ struct cls_ImpressaoA::Via {
     std::int32_t yLinha = kFirstRowY;
     std::int32_t yServ = kFirstRowY;
     FieldTable servLinha{serv::kFields};
-    ServiceSlots cod{}, val{};
+    cls_ImpressaoA::ServiceSlots cod{}, val{};
     std::int32_t nVal = 0, nCod = 0;
     std::int32_t codigoServ = 0, valorServ = 0;  // the code and value kept for the next service row
     bool jaImpresso = false;
@@ -62,6 +64,40 @@ struct cls_ImpressaoA::Via {
     int rows() const { return nLinhas + nExtra; }
     bool page_full() const { return rows() == kRowsPerPage; }
 };
+
+// One copy's print: the walk over the lines into pages and the steps that draw it. A friend of the
+// printer, whose drawing routines and symbol state it uses.
+class PageDriver {
+public:
+    PageDriver(cls_ImpressaoA& printer, PageSurface& s, const FormImpressao& imagens, std::int32_t DuplOrig,
+               const std::string& dtRequisicao)
+        : printer(printer), s(s), imagens(imagens)
+    {
+        via.DuplOrig = DuplOrig;
+        via.dtRequisicao = dtRequisicao;
+    }
+
+    // Prints every page; a failure is logged and ends the copy, and the job is ended all the same.
+    void run(std::int32_t varNReq);
+
+private:
+    void pageTop();
+    void printLine();
+    void printServices();
+    // A finished page's counts and symbol lines, forgotten when the next page starts.
+    void forgetPage();
+    void turnPage(bool count_first);
+    void finishSymbol();
+    // The product line of a one-row table, as it prints.
+    void detailOfLine(const FieldTable& line, std::int32_t y);
+
+    cls_ImpressaoA& printer;
+    PageSurface& s;
+    const FormImpressao& imagens;
+    Via via;
+};
+
+}  // namespace printing
 
 std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
 {
@@ -110,63 +146,66 @@ std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
     return {};
 }
 
-void cls_ImpressaoA::detailOfLine(PageSurface& s, const FieldTable& line, std::int32_t y)
+namespace printing {
+
+void PageDriver::detailOfLine(const FieldTable& line, std::int32_t y)
 {
     const auto f = [&](int field) { return std::string(line.text(field, 0)); };
-    PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao), f(guia::D_Quantidade),
-                      f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento), f(guia::Desconto),
-                      f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana), f(guia::TaxEsp_Quantidade),
-                      f(guia::DivisaoRemetente), f(guia::caracte), f(guia::refClie), y);
+    printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
+                              f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento),
+                              f(guia::Desconto), f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana),
+                              f(guia::TaxEsp_Quantidade), f(guia::DivisaoRemetente), f(guia::caracte),
+                              f(guia::refClie), y);
 }
 
-void cls_ImpressaoA::pageTop(Via& via, PageSurface& s, const FormImpressao& imagens)
+void PageDriver::pageTop()
 {
-    PrintaParteFixaGuiaExp(s, imagens, via.DuplOrig, via.dtRequisicao);
-    const FieldTable& cab = arrays.arrCabecalho;
+    printer.PrintaParteFixaGuiaExp(s, imagens, via.DuplOrig, via.dtRequisicao);
+    const FieldTable& cab = printer.arrays.arrCabecalho;
     if (!cab.empty()) {
         const auto f = [&](int field) { return std::string(cab.text(field, 0)); };
         const std::string postal = chars::left(f(cab::CodPostal), 4) + " - " + chars::right(f(cab::CodPostal), 3) +
                                    " " + f(cab::DesigPostal);
-        ImprimeHeaderFooter(s, text_or(cab, cab::CodTerceiro, 0, "0"), f(cab::CodCliente), f(cab::CodContrato),
-                            f(cab::CodCredencial), f(cab::Nome), text_or(cab, cab::NContribuinte, 0, "0"),
-                            f(cab::Morada), postal, f(cab::Obs), f(cab::JppCredenciado), f(cab::Pagamento));
+        printer.ImprimeHeaderFooter(s, text_or(cab, cab::CodTerceiro, 0, "0"), f(cab::CodCliente), f(cab::CodContrato),
+                                    f(cab::CodCredencial), f(cab::Nome), text_or(cab, cab::NContribuinte, 0, "0"),
+                                    f(cab::Morada), postal, f(cab::Obs), f(cab::JppCredenciado), f(cab::Pagamento));
     }
-    paintLogo(s, imagens);
+    printer.paintLogo(s, imagens);
 }
 
-void cls_ImpressaoA::finishSymbol(Via& via, PageSurface& s)
+void PageDriver::finishSymbol()
 {
-    PrintCreatedPDF(s, printing::finish_payload(via.codigoCabecalho, via.pag, via.nLinhas - via.nSemCodigo,
-                                                via.codigoLinhas));
+    printer.PrintCreatedPDF(
+        s, printing::finish_payload(via.codigoCabecalho, via.pag, via.nLinhas - via.nSemCodigo, via.codigoLinhas));
 }
 
-void cls_ImpressaoA::forgetPage(Via& via)
+void PageDriver::forgetPage()
 {
     via.nSemCodigo = 0;
     via.nExtra = 0;
     via.nLinhas = 0;
-    Total_Se_CodBarras = 0;
+    printer.Total_Se_CodBarras = 0;
     via.codigoLinhas.clear();
-    Str_CodBarrasServEsp.clear();
+    printer.Str_CodBarrasServEsp.clear();
 }
 
 // A page turned in the middle of a line's services. Turns that count the page first write the
 // next page's number into the finished page's symbol, as they always have.
-void cls_ImpressaoA::turnPage(Via& via, PageSurface& s, const FormImpressao& imagens, bool count_first)
+void PageDriver::turnPage(bool count_first)
 {
     if (count_first) ++via.pag;
-    finishSymbol(via, s);
+    finishSymbol();
     if (!count_first) ++via.pag;
-    forgetPage(via);
+    forgetPage();
     s.NewPage();
     via.yLinha = kFirstRowY;
-    pageTop(via, s, imagens);
-    const FieldTable& cab = arrays.arrCabecalho;
-    Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
-                       std::string(cab.text(cab::NCompromisso, 0)));
+    pageTop();
+    const FieldTable& cab = printer.arrays.arrCabecalho;
+    printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
+                               std::string(cab.text(cab::NCompromisso, 0)));
 }
 
-void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao& imagens)
+void PageDriver::printServices()
 {
     const FieldTable& services = via.servLinha;
     const auto fresh_slots = [&] {
@@ -174,12 +213,12 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
         via.val = {};
     };
     const auto service_row = [&] {
-        PrintaSEParteDetail(s, std::to_string(via.codigoServ), std::to_string(via.valorServ), via.yServ, &via.val,
-                            via.nVal, via.nCod, &via.cod);
+        printer.PrintaSEParteDetail(s, std::to_string(via.codigoServ), std::to_string(via.valorServ), via.yServ,
+                                    &via.val, via.nVal, via.nCod, &via.cod);
     };
 
     if (services.empty()) {
-        if (via.page_full()) turnPage(via, s, imagens, false);
+        if (via.page_full()) turnPage(false);
         return;
     }
     for (int i = 0; i < services.row_count(); ++i) {
@@ -207,7 +246,7 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
                 via.nCod = 0;
                 fresh_slots();
                 via.nVal = 0;
-                if (via.page_full()) turnPage(via, s, imagens, true);
+                if (via.page_full()) turnPage(true);
             }
         } else {
             // A service with a value after those without: they go out first, and a service of
@@ -216,7 +255,7 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
                 service_row();
                 via.yServ += kRowPitch;
                 if (slot(via.cod, 1) != code) {
-                    PrintaSEParteDetail(s, code, value, via.yServ);
+                    printer.PrintaSEParteDetail(s, code, value, via.yServ);
                     via.yServ += kRowPitch;
                     via.yLinha += kRowPitch;
                     ++via.nExtra;
@@ -224,14 +263,14 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
                 }
                 via.nVal = 0;
                 fresh_slots();
-                if (via.page_full()) turnPage(via, s, imagens, true);
+                if (via.page_full()) turnPage(true);
             }
             keep();
             ++via.nVal;
             ++via.nCod;
             slot(via.cod, via.nCod) = code;
             slot(via.val, via.nVal) = value;
-            if (via.page_full()) turnPage(via, s, imagens, true);
+            if (via.page_full()) turnPage(true);
         }
 
         const bool last = i == services.row_count() - 1;
@@ -241,19 +280,19 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
                 via.yServ += kRowPitch;
             }
             via.jaImpresso = false;
-            if (via.page_full()) turnPage(via, s, imagens, false);
+            if (via.page_full()) turnPage(false);
             via.nVal = 0;
             via.cod = {};
         }
     }
 }
 
-void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& imagens)
+void PageDriver::printLine()
 {
-    const FieldTable& g = arrays.arrGuia;
+    const FieldTable& g = printer.arrays.arrGuia;
     const int lin = via.lin;
     const int last = g.row_count() - 1;
-    const FieldTable& cab = arrays.arrCabecalho;
+    const FieldTable& cab = printer.arrays.arrCabecalho;
     const auto f = [&](int field) { return std::string(g.text(field, lin)); };
     const std::string product = f(guia::B_Produto);
 
@@ -263,49 +302,51 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
     for (int field = 0; field < g.field_count(); ++field) line.set(field, 0, g.at(field, lin));
     if (product == "C07" && line.text(guia::Formato, 0) == "07") line.set(guia::Formato, 0, std::string("01"));
 
-    detailOfLine(s, line, via.yLinha);
+    detailOfLine(line, via.yLinha);
     const std::string campaign = f(guia::CodigoCampanha);
     if (!campaign.empty())
         via.observacoes += "Linha " + std::to_string(via.rows() + 1) + "- " + campaign + "; ";
     via.yLinha += kRowPitch;
-    Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
-                       std::string(cab.text(cab::NCompromisso, 0)));
+    printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
+                               std::string(cab.text(cab::NCompromisso, 0)));
 
-    via.servLinha = GlobalXML::getArrServEspByLinha(arrays.arrServEsp, text::require_cell_int32(g.at(guia::N_Linha, lin)));
+    via.servLinha =
+        GlobalXML::getArrServEspByLinha(printer.arrays.arrServEsp, text::require_cell_int32(g.at(guia::N_Linha, lin)));
     // A "C25" line after these products is this line's service "25" in the symbol.
     if (follows_with_c25(product) && lin < last && g.text(guia::B_Produto, lin + 1) == "C25") {
-        Str_CodBarrasServEsp = "25" + printing::pad_zero(g.text(guia::Escalao, lin + 1), 7);
-        ++Total_Se_CodBarras;
+        printer.Str_CodBarrasServEsp = "25" + printing::pad_zero(g.text(guia::Escalao, lin + 1), 7);
+        ++printer.Total_Se_CodBarras;
     }
     const FieldTable& services = via.servLinha;
     if (!services.empty()) {
         for (int i = 0; i < services.row_count(); ++i)
-            Str_CodBarrasServEsp += printing::item_servico(services.text(serv::CodServEsp, i), services.text(serv::Valor, i));
-        Total_Se_CodBarras = services.row_count();
+            printer.Str_CodBarrasServEsp +=
+                printing::item_servico(services.text(serv::CodServEsp, i), services.text(serv::Valor, i));
+        printer.Total_Se_CodBarras = services.row_count();
     }
 
     // The last row cannot take a line whose services need more than that row: it moves to the next page.
     if (!services.empty() && via.rows() == kRowsPerPage - 1 &&
-        (services.row_count() > 3 || CountSEspeciaisComValor(services) >= 2)) {
-        Apaga_RegsUltima_linha(s);
-        finishSymbol(via, s);
-        forgetPage(via);
+        (services.row_count() > 3 || printer.CountSEspeciaisComValor(services) >= 2)) {
+        printer.Apaga_RegsUltima_linha(s);
+        finishSymbol();
+        forgetPage();
         via.yLinha = kFirstRowY;
         via.yServ = kFirstRowY;
         s.NewPage();
         ++via.pag;
-        pageTop(via, s, imagens);
-        detailOfLine(s, line, via.yLinha);
+        pageTop();
+        detailOfLine(line, via.yLinha);
         if (!campaign.empty()) via.observacoes += "Linha - 1 - " + campaign + "; ";
         via.yLinha += kRowPitch;
     }
     if (services.empty()) via.yServ += kRowPitch;
 
-    printServices(via, s, imagens);
+    printServices();
 
     ++via.nLinhas;
     if (product != "C25")
-        via.codigoLinhas += printing::item_linha(line, 0, Str_CodBarrasServEsp, Total_Se_CodBarras);
+        via.codigoLinhas += printing::item_linha(line, 0, printer.Str_CodBarrasServEsp, printer.Total_Se_CodBarras);
     else
         ++via.nSemCodigo;
     const std::string quantity = f(guia::D_Quantidade);
@@ -315,41 +356,32 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
         throw std::overflow_error("Overflow");
     via.totalQuantidade = static_cast<std::int32_t>(total);
 
-    Str_CodBarrasServEsp.clear();
-    Total_Se_CodBarras = 0;
+    printer.Str_CodBarrasServEsp.clear();
+    printer.Total_Se_CodBarras = 0;
     if (lin == last) via.fim = true;
     ++via.lin;
 }
 
-void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t varNReq,
-                                            std::int16_t /*N_Via*/, PageSurface& impressora2,
-                                            const FormImpressao& imagens, double TopY_, double LeftX_,
-                                            std::int32_t DuplOrig, const std::string& dtRequisicao,
-                                            const std::string& /*NGUIA*/)
+void PageDriver::run(std::int32_t varNReq)
 {
-    auto& s = impressora2;
-    SetPageOffsets(LeftX_, TopY_);
-    Via via;
-    via.DuplOrig = DuplOrig;
-    via.dtRequisicao = dtRequisicao;
     try {
-        via.TotPaginas = Calcula_TotalidadePaginas(varNReq);
-        const FieldTable& cab = arrays.arrCabecalho;
-        const FieldTable& g = arrays.arrGuia;
+        via.TotPaginas = printer.Calcula_TotalidadePaginas(varNReq);
+        const FieldTable& cab = printer.arrays.arrCabecalho;
+        const FieldTable& g = printer.arrays.arrGuia;
         if (g.empty()) throw std::invalid_argument("Type mismatch");  // no lines: nothing to walk
         while (!via.fim) {
-            if (via.page_full()) finishSymbol(via, s);
+            if (via.page_full()) finishSymbol();
             ++via.pag;
             via.codigoCabecalho = printing::codigo_cabecalho(cab, via.pag, via.TotPaginas);
             if (via.page_full() && via.pag > 1) {
                 via.nSemCodigo = 0;
-                Total_Se_CodBarras = 0;
+                printer.Total_Se_CodBarras = 0;
                 via.codigoLinhas.clear();
-                Str_CodBarrasServEsp.clear();
+                printer.Str_CodBarrasServEsp.clear();
                 s.NewPage();
                 via.nExtra = 0;
             }
-            pageTop(via, s, imagens);
+            pageTop();
             via.nLinhas = 0;
             via.cod = {};
             via.val = {};
@@ -358,7 +390,7 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
             if (via.pag == 1) via.lin = 0;
 
             const int lin_before = via.lin;
-            while (via.lin < g.row_count() && via.rows() < kRowsPerPage) printLine(via, s, imagens);
+            while (via.lin < g.row_count() && via.rows() < kRowsPerPage) printLine();
             // Every page takes at least one line; a page that took none would come back for ever.
             if (via.lin == lin_before && !via.fim) throw std::logic_error("a page took no line");
 
@@ -366,28 +398,40 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
                 const std::string total = std::to_string(via.totalQuantidade);
                 double x = 99.5;
                 for (std::int32_t p = 1; p <= static_cast<std::int32_t>(total.size()); ++p, x -= 4.0) {
-                    s.setCurrentX(twipsX(x));
-                    s.setCurrentY(twipsY(115));
-                    s.Print(ValorAlinhado(total, 1, p));
+                    s.setCurrentX(printer.twipsX(x));
+                    s.setCurrentY(printer.twipsY(115));
+                    s.Print(printer.ValorAlinhado(total, 1, p));
                 }
                 via.totalQuantidade = 0;
             }
-            Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
-                               std::string(cab.text(cab::NCompromisso, 0)));
-            ReimprimirObservacoes(s, std::string(cab.text(cab::Obs, 0)) + "\r\n" + via.observacoes);
+            printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
+                                       std::string(cab.text(cab::NCompromisso, 0)));
+            printer.ReimprimirObservacoes(s, std::string(cab.text(cab::Obs, 0)) + "\r\n" + via.observacoes);
         }
-        finishSymbol(via, s);
-        Total_Se_CodBarras = 0;
+        finishSymbol();
+        printer.Total_Se_CodBarras = 0;
         via.codigoLinhas.clear();
-        Str_CodBarrasServEsp.clear();
+        printer.Str_CodBarrasServEsp.clear();
         s.EndDoc();
     } catch (const std::exception& e) {
-        WriteLog(std::string("Imprime_Parte_Variavel-Erro:") + e.what());
-        Total_Se_CodBarras = 0;
-        Str_CodBarrasServEsp.clear();
+        printer.WriteLog(std::string("Imprime_Parte_Variavel-Erro:") + e.what());
+        printer.Total_Se_CodBarras = 0;
+        printer.Str_CodBarrasServEsp.clear();
         // The job ends in any case, so that the pages already drawn come out.
-        guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
+        printer.guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
     }
+}
+
+}  // namespace printing
+
+void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t varNReq,
+                                            std::int16_t /*N_Via*/, PageSurface& impressora2,
+                                            const FormImpressao& imagens, double TopY_, double LeftX_,
+                                            std::int32_t DuplOrig, const std::string& dtRequisicao,
+                                            const std::string& /*NGUIA*/)
+{
+    SetPageOffsets(LeftX_, TopY_);
+    printing::PageDriver(*this, impressora2, imagens, DuplOrig, dtRequisicao).run(varNReq);
 }
 
 }  // namespace nimbara
