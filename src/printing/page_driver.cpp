@@ -5,9 +5,9 @@
 
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
-#include "nimbara/GlobalXML.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printing/barcode_payload.hpp"
+#include "printing/guia_source.hpp"
 
 namespace nimbara {
 namespace {
@@ -69,9 +69,9 @@ struct Via {
 // printer, whose drawing routines and symbol state it uses.
 class PageDriver {
 public:
-    PageDriver(cls_ImpressaoA& printer, PageSurface& s, const FormImpressao& imagens, std::int32_t DuplOrig,
-               const std::string& dtRequisicao)
-        : printer(printer), s(s), imagens(imagens)
+    PageDriver(cls_ImpressaoA& printer, const GuiaSource& source, PageSurface& s, const FormImpressao& imagens,
+               std::int32_t DuplOrig, const std::string& dtRequisicao)
+        : printer(printer), source(source), s(s), imagens(imagens)
     {
         via.DuplOrig = DuplOrig;
         via.dtRequisicao = dtRequisicao;
@@ -92,6 +92,7 @@ private:
     void detailOfLine(const FieldTable& line, std::int32_t y);
 
     cls_ImpressaoA& printer;
+    const GuiaSource& source;
     PageSurface& s;
     const FormImpressao& imagens;
     Via via;
@@ -101,14 +102,13 @@ private:
 
 std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
 {
-    const FieldTable& g = arrays.arrGuia;
-    std::int16_t pages = g.row_count() > 0 ? 1 : 0;
+    const printing::ArraySource source(arrays);
+    std::int16_t pages = source.line_count() > 0 ? 1 : 0;
     try {
         std::int16_t rows = 0, semValor = 0, comValor = 0;
-        for (int line = 0; line < g.row_count(); ++line) {
+        for (int line = 0; line < source.line_count(); ++line) {
             ++rows;
-            const FieldTable services =
-                GlobalXML::getArrServEspByLinha(arrays.arrServEsp, text::require_cell_int32(g.at(guia::N_Linha, line)));
+            const FieldTable services = source.services(line);
             for (int s = 0; s < services.row_count(); ++s) {
                 const bool without_value = text::require_cell_number(services.at(serv::Valor, s)) == 0;
                 ++(without_value ? semValor : comValor);
@@ -161,7 +161,7 @@ void PageDriver::detailOfLine(const FieldTable& line, std::int32_t y)
 void PageDriver::pageTop()
 {
     printer.PrintaParteFixaGuiaExp(s, imagens, via.DuplOrig, via.dtRequisicao);
-    const FieldTable& cab = printer.arrays.arrCabecalho;
+    const FieldTable& cab = source.header();
     if (!cab.empty()) {
         const auto f = [&](int field) { return std::string(cab.text(field, 0)); };
         const std::string postal = chars::left(f(cab::CodPostal), 4) + " - " + chars::right(f(cab::CodPostal), 3) +
@@ -200,7 +200,7 @@ void PageDriver::turnPage(bool count_first)
     s.NewPage();
     via.yLinha = kFirstRowY;
     pageTop();
-    const FieldTable& cab = printer.arrays.arrCabecalho;
+    const FieldTable& cab = source.header();
     printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
                                std::string(cab.text(cab::NCompromisso, 0)));
 }
@@ -289,18 +289,12 @@ void PageDriver::printServices()
 
 void PageDriver::printLine()
 {
-    const FieldTable& g = printer.arrays.arrGuia;
     const int lin = via.lin;
-    const int last = g.row_count() - 1;
-    const FieldTable& cab = printer.arrays.arrCabecalho;
-    const auto f = [&](int field) { return std::string(g.text(field, lin)); };
+    const int last = source.line_count() - 1;
+    const FieldTable& cab = source.header();
+    const FieldTable line = printed_line(source, lin);
+    const auto f = [&](int field) { return std::string(line.text(field, 0)); };
     const std::string product = f(guia::B_Produto);
-
-    // The line as it prints and encodes: format "07" of product "C07" stands as "01". A copy of
-    // its own, so that the caller's table never changes.
-    FieldTable line(g.field_count());
-    for (int field = 0; field < g.field_count(); ++field) line.set(field, 0, g.at(field, lin));
-    if (product == "C07" && line.text(guia::Formato, 0) == "07") line.set(guia::Formato, 0, std::string("01"));
 
     detailOfLine(line, via.yLinha);
     const std::string campaign = f(guia::CodigoCampanha);
@@ -310,11 +304,10 @@ void PageDriver::printLine()
     printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
                                std::string(cab.text(cab::NCompromisso, 0)));
 
-    via.servLinha =
-        GlobalXML::getArrServEspByLinha(printer.arrays.arrServEsp, text::require_cell_int32(g.at(guia::N_Linha, lin)));
+    via.servLinha = source.services(lin);
     // A "C25" line after these products is this line's service "25" in the symbol.
-    if (follows_with_c25(product) && lin < last && g.text(guia::B_Produto, lin + 1) == "C25") {
-        printer.Str_CodBarrasServEsp = "25" + printing::pad_zero(g.text(guia::Escalao, lin + 1), 7);
+    if (follows_with_c25(product) && lin < last && source.line(lin + 1).text(guia::B_Produto, 0) == "C25") {
+        printer.Str_CodBarrasServEsp = "25" + printing::pad_zero(source.line(lin + 1).text(guia::Escalao, 0), 7);
         ++printer.Total_Se_CodBarras;
     }
     const FieldTable& services = via.servLinha;
@@ -366,9 +359,8 @@ void PageDriver::run(std::int32_t varNReq)
 {
     try {
         via.TotPaginas = printer.Calcula_TotalidadePaginas(varNReq);
-        const FieldTable& cab = printer.arrays.arrCabecalho;
-        const FieldTable& g = printer.arrays.arrGuia;
-        if (g.empty()) throw std::invalid_argument("Type mismatch");  // no lines: nothing to walk
+        const FieldTable& cab = source.header();
+        if (source.line_count() == 0) throw std::invalid_argument("Type mismatch");  // no lines: nothing to walk
         while (!via.fim) {
             if (via.page_full()) finishSymbol();
             ++via.pag;
@@ -390,7 +382,7 @@ void PageDriver::run(std::int32_t varNReq)
             if (via.pag == 1) via.lin = 0;
 
             const int lin_before = via.lin;
-            while (via.lin < g.row_count() && via.rows() < kRowsPerPage) printLine();
+            while (via.lin < source.line_count() && via.rows() < kRowsPerPage) printLine();
             // Every page takes at least one line; a page that took none would come back for ever.
             if (via.lin == lin_before && !via.fim) throw std::logic_error("a page took no line");
 
@@ -431,7 +423,8 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
                                             const std::string& /*NGUIA*/)
 {
     SetPageOffsets(LeftX_, TopY_);
-    printing::PageDriver(*this, impressora2, imagens, DuplOrig, dtRequisicao).run(varNReq);
+    const printing::ArraySource source(arrays);
+    printing::PageDriver(*this, source, impressora2, imagens, DuplOrig, dtRequisicao).run(varNReq);
 }
 
 }  // namespace nimbara
