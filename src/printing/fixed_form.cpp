@@ -3,8 +3,11 @@
 #include <initializer_list>
 #include <span>
 
+#include <variant>
+
 #include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/version.hpp"
+#include "printing/edition_layout.hpp"
 
 namespace nimbara {
 namespace {
@@ -27,7 +30,7 @@ const TopComb kTopRightCombs[] = {
      234.7, 23.2},
 };
 
-// The character cells of one table row in the database edition: long ticks from the row's y
+// The character cells of one table row where the edition draws them: long ticks from the row's y
 // with height 4, short ones from y + 1 with height 3, and the rule at y + 4.
 struct RowComb {
     std::initializer_list<std::pair<double, bool>> ticks;  // x, long
@@ -56,10 +59,6 @@ const RowComb kRowCombsAfterAmount[] = {
     {{{232.5, true}, {236.5, false}, {240.5, false}, {244.5, false}, {248.5, true}}, {{232.5, 16}}},
     {{{255, true}, {258.5, true}}, {{255, 3.5}}},
 };
-
-// x of the strips ImgA to ImgN in the database edition; the array edition has its own and two more.
-constexpr double kStripXArray[16] = {0, 15.6, 26, 49.5, 71.7, 83.9, 96.1, 108.3, 120.5, 148.7, 170.2, 183.2, 195.5, 218.5, 230.5, 242.5};
-constexpr double kStripXDatabase[14] = {0, 20.6, 38.6, 68.8, 102.7, 113.1, 123.3, 133.5, 143.5, 175.7, 208, 218, 227.3, 249.5};
 
 }  // namespace
 
@@ -102,8 +101,20 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
 {
     guarded("PrintaParteFixaGuiaExp", [&] {
         auto& s = impressora;
-        const bool array = edition_ == Edition::Array;
+        const printing::EditionLayout& layout = printing::edition_layout(edition_);
         const auto text = [&](double x, double y, std::string_view t) { printAt(s, x, y, t); };
+        const auto draw = [&](std::span<const printing::FormItem> items) {
+            for (const auto& item : items) {
+                if (const auto* c = std::get_if<printing::Caption>(&item)) {
+                    text(c->x, c->y, c->text);
+                } else if (const auto* f = std::get_if<printing::Frame>(&item)) {
+                    frame(s, f->x, f->y, f->w, f->h, f->e);
+                } else {
+                    const auto& font = std::get<printing::Font>(item);
+                    setFont(s, font.name, font.size, font.bold);
+                }
+            }
+        };
         const auto grey_panel = [&](double x, double y, double w, double h) {
             s.setFillColor(kPanelGrey);
             s.setFillStyle(0);
@@ -140,33 +151,22 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
         frame(s, 0, 0, 262, 32.1, 0.35);
         frame(s, 1, 20, 80, 0, 0.2);
         setFont(s, "Arial", 11, true);
-        text(40, 6.5, array ? "OBJETOS POSTAIS" : "OBJECTOS POSTAIS");
+        text(40, 6.5, layout.headline);
         setFont(s, "Arial", 8, true);
         text(2, 21.1, "Pagamento");
         setFont(s, "Arial", 10, true);
         text(40, 11.5, "Guia Nimbara ");
         frame(s, 2, 26, 4, 4, 0.1);
         frame(s, 22, 26, 4, 4, 0.1);
-        frame(s, array ? 45 : 42, 26, 4, 4, 0.1);
+        frame(s, layout.third_payment_box_x, 26, 4, 4, 0.1);
         frame(s, 80, 26, 4, 4, 0.1);
         frame(s, 115, 26, 26, 4, 0.1);
         setFont(s, "Arial", 8, true);
-        if (array) {
-            text(8, 26, "a Pronto");
-            text(28, 26, "Pré-Ativo");
-            text(51, 26, "Crédito");
-            text(85.5, 26, "JPP Credenciado");
-        } else {
-            text(85.5, 26, "Conta Corrente ");
-        }
+        draw(layout.payment_captions);
         text(112.6, 17.5, "Data da Requisição");
         text(115.6, 21, "Ano - Mês - Dia");
         text(119, 26.2, dtRequisicao);
-        if (!array) {
-            text(8, 26, "a Pronto");
-            text(28, 26, "Diferido");
-            text(49, 26, "JPP Credenciados");
-        }
+        draw(layout.payment_captions_after_date);
 
         // The footer: sender's address, acceptance, amount charged, numbers of the document.
         grey_panel(190.1, 118.1, 70.8, 27.8);
@@ -183,14 +183,9 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
         const std::string copy_mark = DplOriginal == 0 ? "Original" : "Duplicado " + std::to_string(DplOriginal);
         const std::string version = "Versão " + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) +
                                     "." + std::to_string(kVersionRevision);
-        if (array) {
-            text(150, 183, copy_mark);
-            s.setFontBold(false);
-            text(5, 183, version);
-        } else {
-            text(150, 182, copy_mark);
-            text(100, 182, version);
-        }
+        text(layout.copy_mark.x, layout.copy_mark.y, copy_mark);
+        if (layout.version_not_bold) s.setFontBold(false);
+        text(layout.version.x, layout.version.y, version);
         s.PaintPicture(imagens.pict_cobrado, twipsX(198.5), twipsY(141.5));
         s.PaintPicture(imagens.pic_euro, twipsX(212.5), twipsY(140));
         s.setForeColor(kBlack);
@@ -202,31 +197,12 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
         for (double x : {216.5, 222.5, 230.0, 236.0, 242.0, 249.0, 255.0}) frame(s, x, 138, 5, 6.5, 0.1);
         frame(s, 184, 156, 77, 0, 0);
         setFont(s, "Arial", 9);
-        if (array) {
-            text(190, 159, "Doc. Nº");
-            frame(s, 228, 158, 28, 5, 0.1);
-            text(190, 167, "Nº de  Páginas");
-            text(190, 175, "Página Nº");
-            frame(s, 228, 166, 28, 5, 0.1);
-            frame(s, 228, 174, 28, 5, 0.1);
-            frame(s, 228, 182, 28, 5, 0.1);
-            text(190, 183, "Pedido / Compromisso");
-        } else {
-            text(210, 160, "Doc. Nº");
-            frame(s, 234, 160, 17, 5, 0.1);
-            text(210, 180, "Nº de  Páginas");
-            text(210, 170, "Página Nº");
-            frame(s, 234, 170, 17, 5, 0.1);
-            frame(s, 234, 180, 17, 5, 0.1);
-        }
+        draw(layout.page_panel);
 
         // The top-right panel with the request number's combs.
         grey_panel(185.1, 19.1, 73.8, 11.8);
         drawTopRightCombs(s);
-        if (!array) {
-            setFont(s, "Times New Roman", 7, true);
-            text(186.5, 16, "Nº de Requisição");
-        }
+        draw(layout.request_panel_caption);
         s.PaintPicture(imagens.pict_ec_aceitante, twipsX(186.5), twipsY(20));
         for (double x : {216.0, 225.5, 234.7}) {
             s.setCurrentX(twipsX(x));
@@ -240,17 +216,17 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
             s.setFillColor(kBlack);
             s.setCurrentX(twipsX(8));
             s.setCurrentY(twipsY(2));
-            if (array)
-                frame(s, 10, y + 4, 255, 0, 0.1);
-            else
+            if (layout.row_combs)
                 drawRowCombs(s, y);
+            else
+                frame(s, 10, y + 4, 255, 0, 0.1);
         }
 
         // Last, so that they lie over the rows' rules.
         s.PaintPicture(imagens.Pic_barra_ProcessadoComp, twipsX(0), twipsY(126.5));
         const auto strips = imagens.strips();
-        const std::span<const double> xs = array ? std::span<const double>(kStripXArray) : std::span<const double>(kStripXDatabase);
-        for (std::size_t i = 0; i < xs.size(); ++i) s.PaintPicture(*strips[i], twipsX(xs[i]), twipsY(41.5));
+        for (std::size_t i = 0; i < layout.strip_x.size(); ++i)
+            s.PaintPicture(*strips[i], twipsX(layout.strip_x[i]), twipsY(41.5));
     });
 }
 

@@ -1,12 +1,13 @@
 // What belongs to the Guia as a whole, printed into the cells of the fixed form: the header
 // fields, the sender's address, the remarks, the payment marks, the page numbers and the total.
-#include <array>
+#include <algorithm>
 #include <stdexcept>
 
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "foundation/text.hpp"
 #include "nimbara/ImpressaoComum.hpp"
+#include "printing/edition_layout.hpp"
 
 namespace nimbara {
 namespace {
@@ -19,10 +20,6 @@ bool as_boolean(const std::string& field)
     if (t == "FALSE") return false;
     return text::require_number(field) != 0;
 }
-
-// The remarks' lines are fixed slices of the text, gaps and overlaps as the page has always had them.
-constexpr std::array<ImpressaoComum::Slice, 5> kRemarksArray = {{{1, 130}, {131, 130}, {262, 130}, {393, 130}, {524, 130}}};
-constexpr std::array<ImpressaoComum::Slice, 5> kRemarksDatabase = {{{1, 70}, {71, 70}, {142, 70}, {213, 50}, {222, 50}}};
 
 }  // namespace
 
@@ -43,34 +40,34 @@ std::int32_t ImpressaoComum::ImprimeHeaderFooter(
 {
     guarded("ImprimeHeaderFooter", [&] {
         auto& s = impressora2;
-        const bool array = edition_ == Edition::Array;
+        const printing::EditionLayout& layout = printing::edition_layout(edition_);
         setFont(s, "Times New Roman", 8, false);
         printAt(s, 5, 36.5, CAMPO_CodTerceiro);
         printAt(s, 34, 36.5, CAMPO_Ncliente);
-        // The array edition leaves the contract cell empty for the two placeholder contract numbers.
-        if (!array) {
-            printAt(s, 62, 36.5, CAMPO_Ncontr);
-        } else if (const double contract = text::require_number(CAMPO_Ncontr); contract != 888888888 && contract != 777777777) {
-            printAt(s, 62, 36.5, CAMPO_Ncontr);
-        }
+        // Placeholder contract numbers leave the cell empty; only an edition that has them reads the number.
+        const auto hidden = [&] {
+            if (layout.hidden_contracts.empty()) return false;
+            const double contract = text::require_number(CAMPO_Ncontr);
+            return std::find(layout.hidden_contracts.begin(), layout.hidden_contracts.end(), contract) !=
+                   layout.hidden_contracts.end();
+        };
+        if (!hidden()) printAt(s, 62, 36.5, CAMPO_Ncontr);
         printAt(s, 92, 36.5, CAMPO_PortePago);
         printAt(s, 125, 36.5, CAMPO_ClienteExp);
         printAt(s, 230, 36.5, CAMPO_NFiscal);
         printAt(s, 7.5, 125.1, chars::left(CAMPO_Morada, 82));
         printAt(s, 7.5, 130.1, chars::mid(CAMPO_Morada, 83, 82) + " " + CAMPO_CPostal);
 
-        if (array)
-            printRemarks(s, MyReplaceSpace(CAMPO_Obs, 130), kRemarksArray);
-        else
-            printRemarks(s, CAMPO_Obs, kRemarksDatabase);
+        printRemarks(s, layout.remarks_line ? MyReplaceSpace(CAMPO_Obs, *layout.remarks_line) : CAMPO_Obs,
+                     layout.remarks);
 
-        s.setCurrentX(twipsX(array ? 81.1 : 42.9));
+        s.setCurrentX(twipsX(layout.jpp_mark_x));
         s.setCurrentY(twipsY(26.2));
         if (as_boolean(CAMPO_Jpp)) s.Print("X");
 
         const double kind = text::require_number(CAMPO_PPagDif);
-        const double mark_x = kind == 1 ? 3 : kind == 2 ? 23 : kind == 0 && array ? 46 : -1;
-        if (mark_x >= 0) printAt(s, mark_x, 26.2, "X");
+        if (kind == 0 || kind == 1 || kind == 2)
+            if (const auto x = layout.payment_mark_x[static_cast<std::size_t>(kind)]) printAt(s, *x, 26.2, "X");
     });
     return 0;
 }
@@ -107,15 +104,15 @@ void ImpressaoComum::printPageNumbers(PageSurface& s, const std::string& NDoc, s
         setFont(s, "Times New Roman", 9, true);
         printAt(s, x, y, t);
     };
-    if (edition_ == Edition::Array) {
-        field(230, 159, NDoc);
-        field(230, 167, number(TotPaginas));
-        field(230, 175, number(pag));
-        if (NCompromisso != nullptr) field(230, 183, *NCompromisso);
-    } else {
-        field(236, 160.7, NDoc);
-        field(236, 170.7, number(pag));
-        field(236, 180.5, number(TotPaginas));
+    for (const auto& [what, at] : printing::edition_layout(edition_).page_fields) {
+        switch (what) {
+        case printing::PageField::DocumentNumber: field(at.x, at.y, NDoc); break;
+        case printing::PageField::PageCount: field(at.x, at.y, number(TotPaginas)); break;
+        case printing::PageField::PageNumber: field(at.x, at.y, number(pag)); break;
+        case printing::PageField::Commitment:
+            if (NCompromisso != nullptr) field(at.x, at.y, *NCompromisso);
+            break;
+        }
     }
     if (pag != TotPaginas) return;
 
