@@ -78,6 +78,8 @@ TEST(Cli, RefusalsNameWhatIsWrong)
         {"form --out X.pdf --edition paper", "--edition"},
         {"form --out X.pdf --left north", "--left"},
         {"check " + dir + "/none.json --report-dir " + dir, "none.json: cannot open the file"},
+        {"check " + std::string(NIMBARA_SOURCE_DIR) + "/tests/data/guia_files/number-overflow.json --report-dir " + dir,
+         "number-overflow.json: number overflow parsing '1e400'"},
         {"check " + valid + " --report-dir " + dir + "/nope", "nope is not a folder"},
         {"print " + valid + " --report-dir " + dir + " --out-dir " + dir + "/missing", "output folder"},
     };

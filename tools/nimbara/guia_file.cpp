@@ -120,7 +120,8 @@ GuiaFile read_guia_file(const std::filesystem::path& path)
     json root;
     try {
         root = json::parse(content);
-    } catch (const json::parse_error& e) {
+    } catch (const json::exception& e) {
+        // Syntax errors, and numbers beyond what a double holds, which the parser reports apart.
         throw GuiaFileError(path.string() + ": " + without_prefix(e.what()));
     }
     if (!root.is_object()) reader.fail("", std::string("expected an object, found ") + root.type_name());
