@@ -5,22 +5,25 @@ namespace {
 
 using S = ImpressaoComum::Slice;
 
-constexpr FormItem kArrayPayment[] = {
-    Caption{8, 26, "a Pronto"}, Caption{28, 26, "Pré-Ativo"}, Caption{51, 26, "Crédito"}, Caption{85.5, 26, "JPP Credenciado"}};
+constexpr FormItem kArrayPayment[] = {Caption{8, 26, "a Pronto"}, Caption{28, 26, "Pré-Ativo"}, Caption{51, 26, "Crédito"},
+                                     Caption{85.5, 26, "JPP Credenciado"}};
 constexpr FormItem kDatabasePayment[] = {Caption{85.5, 26, "Conta Corrente "}};
 constexpr FormItem kDatabasePaymentAfterDate[] = {
     Caption{8, 26, "a Pronto"}, Caption{28, 26, "Diferido"}, Caption{49, 26, "JPP Credenciados"}};
 
 constexpr FormItem kArrayPagePanel[] = {
-    Caption{190, 159, "Doc. Nº"},      Frame{228, 158, 28, 5, 0.1},  Caption{190, 167, "Nº de  Páginas"},
-    Caption{190, 175, "Página Nº"},    Frame{228, 166, 28, 5, 0.1},  Frame{228, 174, 28, 5, 0.1},
-    Frame{228, 182, 28, 5, 0.1},       Caption{190, 183, "Pedido / Compromisso"}};
+    Caption{190, 159, "Doc. Nº"},   Frame{228, 158, 28, 5, 0.1}, Caption{190, 167, "Nº de  Páginas"},
+    Caption{190, 175, "Página Nº"}, Frame{228, 166, 28, 5, 0.1}, Frame{228, 174, 28, 5, 0.1},
+    Frame{228, 182, 28, 5, 0.1},    Caption{190, 183, "Pedido / Compromisso"}};
 constexpr FormItem kDatabasePagePanel[] = {
     Caption{210, 160, "Doc. Nº"},   Frame{234, 160, 17, 5, 0.1}, Caption{210, 180, "Nº de  Páginas"},
     Caption{210, 170, "Página Nº"}, Frame{234, 170, 17, 5, 0.1}, Frame{234, 180, 17, 5, 0.1}};
-constexpr FormItem kDatabaseRequestCaption[] = {Font{"Times New Roman", 7, true}, Caption{186.5, 16, "Nº de Requisição"}};
+constexpr FormItem kDatabaseRequestCaption[] = {Font{"Times New Roman", 7, true},
+                                               Caption{186.5, 16, "Nº de Requisição"}};
 
-constexpr double kArrayStrips[] = {0, 15.6, 26, 49.5, 71.7, 83.9, 96.1, 108.3, 120.5, 148.7, 170.2, 183.2, 195.5, 218.5, 230.5, 242.5};
+// x of the column strips ImgA onwards: the array edition has two more than the database one.
+constexpr double kArrayStrips[] = {0,     15.6,  26,    49.5,  71.7,  83.9,  96.1,  108.3,
+                                   120.5, 148.7, 170.2, 183.2, 195.5, 218.5, 230.5, 242.5};
 constexpr double kDatabaseStrips[] = {0, 20.6, 38.6, 68.8, 102.7, 113.1, 123.3, 133.5, 143.5, 175.7, 208, 218, 227.3, 249.5};
 
 constexpr double kPlaceholderContracts[] = {888888888, 777777777};

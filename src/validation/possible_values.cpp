@@ -91,22 +91,20 @@ PossibleValues discount_codes(const PossibleValueTable& document, std::string_vi
 
 }  // namespace
 
-PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product,
-    const RuleCatalogue& catalogue)
+PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product, const RuleCatalogue& catalogue)
 {
     return walk({catalogue.possible_values(rules::PossibleValueKey::ZonaTaxacao), {{"CODPRODUTO", product}}, std::nullopt, false,
                  "CODZTAXACAO", "DESIGNACAO"});
 }
 
-PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone,
-    const RuleCatalogue& catalogue)
+PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone, const RuleCatalogue& catalogue)
 {
     return walk({catalogue.possible_values(rules::PossibleValueKey::Peso), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
                  std::nullopt, false, "CESCALAOMIN", "CESCALAOMAX"});
 }
 
 PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                            const RuleCatalogue& catalogue)
 {
     // For products C38 and C10 only the minimum is compared with the weight.
     return walk({catalogue.possible_values(rules::PossibleValueKey::Velocidade), {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}},
@@ -114,8 +112,7 @@ PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::strin
 }
 
 PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_view zone, std::string_view speed,
-                                         std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                         std::int32_t weight, const RuleCatalogue& catalogue)
 {
     return walk({catalogue.possible_values(rules::PossibleValueKey::Formato),
                  {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}}, weight, false, "CODFORMATO",
@@ -124,7 +121,7 @@ PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_v
 
 PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::string_view zone, std::string_view speed,
                                                std::string_view format, std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                               const RuleCatalogue& catalogue)
 {
     return walk({catalogue.possible_values(rules::PossibleValueKey::PreTratamento),
                  {{"CODPRODUTO", product}, {"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}},
@@ -133,7 +130,7 @@ PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::st
 
 PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
                                           std::string_view format, std::string_view pre_treatment, std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                          const RuleCatalogue& catalogue)
 {
     return discount_codes(catalogue.possible_values(rules::PossibleValueKey::Desconto), product, zone, speed, format,
                           pre_treatment, weight);
@@ -142,7 +139,7 @@ PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_
 PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, std::string_view zone,
                                                     std::string_view speed, std::string_view format,
                                                     std::string_view pre_treatment, std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                                    const RuleCatalogue& catalogue)
 {
     // Reads the discount tag of its own document, so it lists discount codes: that is how it has always answered.
     return discount_codes(catalogue.possible_values(rules::PossibleValueKey::AmbitoDistribuicao), product, zone, speed, format,
@@ -152,7 +149,7 @@ PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, st
 PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::string_view zone, std::string_view speed,
                                                std::string_view format, std::string_view pre_treatment,
                                                std::string_view scope, std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                               const RuleCatalogue& catalogue)
 {
     // The sampling document stands shifted, with delivery labels where a minimum belongs, so the
     // bound of its first labelled row fails this call whatever the arguments.
@@ -169,8 +166,7 @@ PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::st
 PossibleValues GetPossibleValues_ServicosEspeciais(std::string_view product, std::string_view zone,
                                                    std::string_view speed, std::string_view format,
                                                    std::string_view pre_treatment, std::string_view discount,
-                                                   std::int32_t weight,
-    const RuleCatalogue& catalogue)
+                                                   std::int32_t weight, const RuleCatalogue& catalogue)
 {
     return walk({catalogue.possible_values(rules::PossibleValueKey::ServicosEspeciais),
                  {{"CODPRODUTO", product},

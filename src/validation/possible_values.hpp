@@ -26,34 +26,33 @@ struct PossibleValuesFailed {
 using PossibleValues = std::variant<std::vector<CodeLabel>, PossibleValuesFailed>;
 
 // Each walks the possible-value table of its name in the catalogue given, the compiled-in one by default.
-
 PossibleValues GetPossibleValues_ZonaTaxacao(std::string_view product,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                             const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_Peso(std::string_view product, std::string_view zone,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                      const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_Velocidade(std::string_view product, std::string_view zone, std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                            const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_Formato(std::string_view product, std::string_view zone, std::string_view speed,
                                          std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                         const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::string_view zone, std::string_view speed,
                                                std::string_view format, std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                               const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
                                           std::string_view format, std::string_view pre_treatment, std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                          const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_AmbitoDistribuicao(std::string_view product, std::string_view zone,
                                                     std::string_view speed, std::string_view format,
                                                     std::string_view pre_treatment, std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                                    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_AmostraDireta(std::string_view product, std::string_view zone, std::string_view speed,
                                                std::string_view format, std::string_view pre_treatment,
                                                std::string_view scope, std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                               const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 PossibleValues GetPossibleValues_ServicosEspeciais(std::string_view product, std::string_view zone,
                                                    std::string_view speed, std::string_view format,
                                                    std::string_view pre_treatment, std::string_view discount,
                                                    std::int32_t weight,
-    const RuleCatalogue& catalogue = RuleCatalogue::compiled());
+                                                   const RuleCatalogue& catalogue = RuleCatalogue::compiled());
 
 }  // namespace nimbara::validation
