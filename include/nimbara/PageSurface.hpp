@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
@@ -43,7 +44,7 @@ inline constexpr Colour kPanelGrey = 14013909;  // 0xD5D5D5
 
 // Surface operations report a failure by throwing std::exception; the printing routines catch it,
 // log it and go on, so a page with faults still comes out.
-class PageSurface {
+class NIMBARA_API PageSurface {
 public:
     virtual ~PageSurface() = default;
 

@@ -18,10 +18,11 @@ void cls_ValProdutosA::Imprime_Guias(PageSurface& impr, const FormImpressao& myP
                                      std::int32_t NReq, std::int16_t Nvia, std::int32_t& DuplOrig,
                                      const std::string& dtRequisicao, const std::string& NGUIA_2)
 {
+    cls_ImpressaoA printer;
     try {
-        cls_ImpressaoA printer;
         printer.arrays = arrays_;
         if (print_log_) printer.set_log_path(*print_log_);
+        printer.set_notifier(notifier_);
         cls_ParametroA parametros;
         parametros.PreencheObjecto(arrays_.arrParametros);
         impr.setTrackDefault(false);
@@ -36,11 +37,14 @@ void cls_ValProdutosA::Imprime_Guias(PageSurface& impr, const FormImpressao& myP
             ++DuplOrig;
         }
         impr.setTrackDefault(true);
+        print_log_entries_ = printer.log_entries();
         arrays_.arrCabecalho.clear();
         arrays_.arrGuia.clear();
         arrays_.arrServEsp.clear();
         arrays_.arrParametros.clear();
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        print_log_entries_ = printer.log_entries();
+        print_failure_ = Failure{"Imprime_Guias", e.what()};
         // The parameters survive a failed run, so that the caller may print again with them.
         arrays_.arrGuia.clear();
         arrays_.arrCabecalho.clear();

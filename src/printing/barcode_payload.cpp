@@ -12,14 +12,16 @@ namespace {
 std::string pad_number(std::int32_t n, int width) { return pad_zero(std::to_string(n), width); }
 
 // A one-digit field: the cell as a 16-bit integer written as text, which must be one character.
-std::string digit(const FieldTable& table, int field, int row)
+template <class Table>
+std::string digit(const Table& table, typename Table::field_type field, int row)
 {
     const Cell& cell = table.at(field, row);
     if (!cell) return "0";
     return pad_number(text::require_int16(*cell), 1);
 }
 
-std::string padded(const FieldTable& table, int field, int row, int width)
+template <class Table>
+std::string padded(const Table& table, typename Table::field_type field, int row, int width)
 {
     return pad_zero(table.text(field, row), width);
 }
@@ -37,7 +39,7 @@ std::string pad_zero(std::string_view value, int width)
     return out;
 }
 
-std::string codigo_cabecalho(const FieldTable& cab, std::int32_t pag, std::int32_t TotPaginas)
+std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32_t TotPaginas)
 {
     if (cab.empty()) throw std::invalid_argument("Type mismatch");
     std::string head;
@@ -66,8 +68,8 @@ std::string codigo_cabecalho(const FieldTable& cab, std::int32_t pag, std::int32
     head += "0000000000";
     head += padded(cab, cab::NCompromisso, 0, 15);
     // Fields 20 and 21 are built and then cut off by the finish.
-    head += yes_no(text::require_cell_number(cab.at(20, 0)) == 0);
-    head += padded(cab, 21, 0, 9);
+    head += yes_no(text::require_cell_number(cab.at(cab::Unused20, 0)) == 0);
+    head += padded(cab, cab::Unused21, 0, 9);
     return head;
 }
 
@@ -76,7 +78,7 @@ std::string item_servico(std::string_view code, std::string_view value)
     return pad_zero(code, 2) + pad_zero(value, 7);
 }
 
-std::string item_linha(const FieldTable& g, int row, std::string_view Str_CodBarrasServEsp,
+std::string item_linha(const guia::Table& g, int row, std::string_view Str_CodBarrasServEsp,
                        std::int32_t Total_Se_CodBarras)
 {
     std::string item;

@@ -15,11 +15,11 @@ std::string pad_zero(std::string_view value, int width);
 
 // The head as the page loop builds it, 95 characters, page number and total pages included; the
 // finish keeps 85 of them. Throws when the header was never filled or a field does not fit.
-std::string codigo_cabecalho(const FieldTable& arrCabecalho, std::int32_t pag, std::int32_t TotPaginas);
+std::string codigo_cabecalho(const cab::Table& arrCabecalho, std::int32_t pag, std::int32_t TotPaginas);
 
 // One line's item: its fields at fixed widths and one-digit codes, then the service count and the
 // service section the page driver gathered for it.
-std::string item_linha(const FieldTable& arrGuia, int row, std::string_view Str_CodBarrasServEsp,
+std::string item_linha(const guia::Table& arrGuia, int row, std::string_view Str_CodBarrasServEsp,
                        std::int32_t Total_Se_CodBarras);
 
 // One service of the service section: its code in 2 characters, its value in 7.

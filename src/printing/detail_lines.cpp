@@ -106,7 +106,7 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
     return {};
 }
 
-std::int16_t cls_ImpressaoA::CountSEspeciaisComValor(const FieldTable& myArray)
+std::int16_t cls_ImpressaoA::CountSEspeciaisComValor(const serv::Table& myArray)
 {
     std::int16_t count = 0;
     for (int row = 0; row < myArray.row_count(); ++row) {

