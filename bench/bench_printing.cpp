@@ -16,8 +16,8 @@ void BM_EmptyFormPdf(benchmark::State& state)
 {
     const auto pdf = std::filesystem::temp_directory_path() / ("nimbara-bench-" + std::to_string(::getpid()) + ".pdf");
     nimbara::PdfSurface surface([&](int, int) { return pdf; });
-    surface.setOrientation(2);
-    surface.setPaperSize(9);
+    surface.setOrientation(nimbara::printer::kLandscape);
+    surface.setPaperSize(nimbara::printer::kPaperA4);
     nimbara::cls_ImpressaoA printer;
     const auto& form = nimbara::form_impressao();
     const auto pages = state.range(0);
@@ -50,8 +50,8 @@ void BM_PrintGuiaPdf(benchmark::State& state)
     for (auto _ : state) {
         nimbara::cls_ImpressaoA printer;
         printer.arrays = guia;
-        surface.setOrientation(2);
-        surface.setPaperSize(9);
+        surface.setOrientation(nimbara::printer::kLandscape);
+        surface.setPaperSize(nimbara::printer::kPaperA4);
         printer.Imprime_Parte_Variavel("", 1027, 0, surface, form, 0, 0, 0, "2025-05-03", "2025/1027");
         heap_peak = std::max(heap_peak, ::mallinfo2().uordblks);
         std::filesystem::remove(pdf);

@@ -30,8 +30,8 @@ void cls_ValProdutosA::Imprime_Guias(PageSurface& impr, const FormImpressao& myP
         for (std::int16_t via = 1; via <= vias; ++via) {
             const double left = twips_to_mm(parametros.vGuiaMargensEsquerda);
             const double top = twips_to_mm(parametros.vGuiaMargensTopo);
-            impr.setOrientation(2);
-            impr.setPaperSize(9);
+            impr.setOrientation(printer::kLandscape);
+            impr.setPaperSize(printer::kPaperA4);
             printer.Imprime_Parte_Variavel(CodCLiente, NReq, Nvia, impr, myPrintForm, top, left, DuplOrig,
                                            dtRequisicao, NGUIA_2);
             ++DuplOrig;

@@ -492,7 +492,7 @@ struct PdfSurface::Impl {
 
     void require_copy_pen(const char* what) const
     {
-        if (draw_mode != 13)
+        if (draw_mode != printer::kDrawCopyPen)
             throw std::invalid_argument(std::string(what) + " in draw mode " + std::to_string(draw_mode) +
                                         " is not supported; only 13 (copy pen) is");
     }
@@ -518,7 +518,7 @@ PdfSurface::~PdfSurface() = default;
 
 void PdfSurface::setScaleMode(int mode)
 {
-    if (mode != 1) throw std::invalid_argument("scale mode " + std::to_string(mode) + " is not supported; only 1 (twips) is");
+    if (mode != printer::kScaleTwips) throw std::invalid_argument("scale mode " + std::to_string(mode) + " is not supported; only 1 (twips) is");
 }
 
 void PdfSurface::setOrientation(int orientation)
@@ -583,7 +583,7 @@ double PdfSurface::TextWidth(std::string_view text)
 
 void PdfSurface::Line(int flags, double x1, double y1, double x2, double y2, Colour)
 {
-    if (flags != 20) throw std::invalid_argument("Line flags " + std::to_string(flags) + " are not supported; only 20 (box) is");
+    if (flags != printer::kLineBox) throw std::invalid_argument("Line flags " + std::to_string(flags) + " are not supported; only 20 (box) is");
     impl_->require_copy_pen("Line");
     impl_->page().ops.push_back(RectOp{x1, y1, x2, y2, impl_->fore, impl_->fill});
 }

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/version.hpp"
@@ -33,7 +34,7 @@ char yes_no(bool yes) { return yes ? 'S' : 'N'; }
 std::string pad_zero(std::string_view value, int width)
 {
     const auto length = static_cast<int>(chars::length(value));
-    if (length > width) throw std::out_of_range("Invalid procedure call or argument");
+    if (length > width) raise(RunTimeError::InvalidProcedureCall);
     std::string out(static_cast<std::size_t>(width - length), '0');
     out += value;
     return out;
@@ -41,7 +42,7 @@ std::string pad_zero(std::string_view value, int width)
 
 std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32_t TotPaginas)
 {
-    if (cab.empty()) throw std::invalid_argument("Type mismatch");
+    if (cab.empty()) raise(RunTimeError::TypeMismatch);
     std::string head;
     head.reserve(95);
     // Any other access type leaves the head two characters short.

@@ -3,6 +3,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 
@@ -26,7 +27,7 @@ std::string text_or(const Table& t, typename Table::field_type field, int row, s
 // A slot of the service rows; the old arrays had eleven, and a count past them stopped the copy.
 std::string& slot(cls_ImpressaoA::ServiceSlots& slots, std::int32_t index)
 {
-    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) throw std::out_of_range("Subscript out of range");
+    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) raise(RunTimeError::SubscriptOutOfRange);
     return slots[static_cast<std::size_t>(index)];
 }
 
@@ -321,7 +322,7 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
     const std::int64_t total = static_cast<std::int64_t>(via.totalQuantidade) +
                                (quantity.empty() ? 0 : text::require_int32(quantity));
     if (total > std::numeric_limits<std::int32_t>::max() || total < std::numeric_limits<std::int32_t>::min())
-        throw std::overflow_error("Overflow");
+        raise(RunTimeError::Overflow);
     via.totalQuantidade = static_cast<std::int32_t>(total);
 
     Str_CodBarrasServEsp.clear();
@@ -345,7 +346,7 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
         via.TotPaginas = Calcula_TotalidadePaginas(varNReq);
         const cab::Table& cab = arrays.arrCabecalho;
         const guia::Table& g = arrays.arrGuia;
-        if (g.empty()) throw std::invalid_argument("Type mismatch");  // no lines: nothing to walk
+        if (g.empty()) raise(RunTimeError::TypeMismatch);  // no lines: nothing to walk
         while (!via.fim) {
             if (via.page_full()) finishSymbol(via, s);
             ++via.pag;

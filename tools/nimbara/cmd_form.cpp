@@ -27,8 +27,8 @@ int print_form(const FormOptions& o)
     PdfSurface surface{std::filesystem::path(o.out)};
     try {
         // As the print drive prepares the printer: A4 landscape.
-        surface.setOrientation(2);
-        surface.setPaperSize(9);
+        surface.setOrientation(printer::kLandscape);
+        surface.setPaperSize(printer::kPaperA4);
         surface.setTrackDefault(false);
         surface.StartDoc();
     } catch (const std::exception& e) {
