@@ -77,14 +77,18 @@ std::vector<MdbCatalogEntry*> user_tables(MdbHandle* mdb)
     return tables;
 }
 
-bool readable_type(int type)
+// The name of a stored type that has no value kind here, or nothing for the types that have one.
+const char* unreadable_type(int type)
 {
     switch (type) {
     case MDB_BOOL: case MDB_BYTE: case MDB_INT: case MDB_LONGINT: case MDB_COMPLEX: case MDB_MONEY:
     case MDB_FLOAT: case MDB_DOUBLE: case MDB_DATETIME: case MDB_TEXT: case MDB_MEMO:
-        return true;
-    default:
-        return false;
+        return nullptr;
+    case MDB_BINARY: return "binary";
+    case MDB_OLE: return "OLE object";
+    case MDB_REPID: return "replication ID";
+    case MDB_NUMERIC: return "decimal";
+    default: return "unknown";
     }
 }
 
@@ -96,9 +100,8 @@ public:
         if (!table_ || !mdb_read_columns(table_.get())) throw failure("its columns cannot be read");
         for (guint i = 0; i < table_->num_cols; ++i) {
             const auto& column = this->column(i);
-            if (!readable_type(column.col_type))
-                throw OldDatabaseError(where(column) + ": a value of type " + std::to_string(column.col_type) +
-                                       " cannot be read");
+            if (const char* type = unreadable_type(column.col_type))
+                throw OldDatabaseError(where(column) + ": values of type " + type + " cannot be read");
             columns_.emplace_back(column.name);
         }
         fields_.resize(table_->num_cols);
