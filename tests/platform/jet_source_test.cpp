@@ -11,6 +11,7 @@
 #include "platform/jet_source.hpp"
 #include "support/temp_folder.hpp"
 
+using nimbara::platform::is_null;
 using nimbara::platform::OldDatabaseError;
 using nimbara::platform::OldDateTime;
 using nimbara::platform::OldRow;
@@ -63,6 +64,8 @@ int column_index(const std::vector<std::string>& columns, const std::string& nam
 
 }  // namespace
 
+// The fixtures hold what a reading through libmdb's bound text gets wrong: Null beside the empty text,
+// remarks of 22101 characters, dates, quotes, tabs, line breaks, accents and the euro sign.
 TEST(JetSource, EveryFixtureReadsValueForValueAsItsJson)
 {
     if (!fixtures_present()) GTEST_SKIP() << kNoFixtures;
@@ -90,98 +93,49 @@ TEST(JetSource, EveryFixtureReadsValueForValueAsItsJson)
     }
 }
 
-// What a reading through libmdb's bound text gets wrong, looked at one value at a time.
-TEST(JetSource, ValuesThatBoundTextLosesComeWhole)
-{
-    if (!fixtures_present()) GTEST_SKIP() << kNoFixtures;
-    const auto text = [](std::string t) { return [t](const OldValue& v) { return v == OldValue(t); }; };
-    const auto long_text = [](const OldValue& v) {
-        return std::holds_alternative<std::string>(v) && characters(std::get<std::string>(v)) == 22101;
-    };
-    const auto date = [](int y, int m, int d) { return [=](const OldValue& v) { return v == OldValue(OldDateTime{y, m, d}); }; };
-    const auto null = [](const OldValue& v) { return nimbara::platform::is_null(v); };
-    struct Case { const char* file; const char* table; const char* key_column; std::int64_t key; const char* column;
-                  std::function<bool(const OldValue&)> holds; };
-    const Case cases[] = {
-        {"v0501", "TBL_CLIENTE", "Cod_Cliente", 69971, "NContribuinte", null},
-        {"v0501", "TBL_CLIENTE", "Cod_Cliente", 71862, "NContribuinte", text("")},
-        {"v0501", "TBL_CLIENTE", "Cod_Cliente", 71862, "Observacoes", long_text},
-        {"v0502", "TBL_CAB", "N_Req", 10, "Observacoes", long_text},
-        {"v0506", "TBL_CLIENTE", "Cod_Cliente", 91742, "Observacoes", long_text},
-        {"v0512", "TBL_CAB", "N_Req", 211, "Observacoes", long_text},
-        {"v0513", "TBL_CLIENTE", "Cod_Cliente", 23421, "Observacoes", long_text},
-        {"v0513-noservices", "TBL_CAB", "N_Req", 11, "Observacoes", long_text},
-        {"v0514", "TBL_CAB", "N_Req", 408, "Observacoes", long_text},
-        {"v0501", "TBL_CAB", "N_Req", 7, "Observacoes", text("Conferir lote \"B-12\"\tantes da expedição; contactar D. Conceição")},
-        {"v0501", "TBL_CAB", "N_Req", 13, "Observacoes", text("Valor total estimado: 1.250,75 €")},
-        {"v0501", "TBL_CAB", "N_Req", 1, "D_Req", date(2004, 2, 3)},
-        {"v0501", "TBL_CAB", "N_Req", 6, "D_Req", date(2004, 12, 31)},
-        {"v0514", "TBL_CLIENTE", "Cod_Cliente", 63796, "Nome", text("Livraria D'Ouro")},
-        {"v0513", "TBL_CLIENTE", "Cod_Cliente", 23421, "iAcessoRede", [](const OldValue& v) { return v == OldValue(std::int64_t{1}); }},
-    };
-    for (const auto& c : cases) {
-        const std::string where = std::string(c.file) + " " + c.table + " " + std::to_string(c.key) + " " + c.column;
-        const auto reader = open_jet_database(kFixtures / (std::string(c.file) + ".mdb"))->open_table(c.table);
-        const int key = column_index(reader->column_names(), c.key_column);
-        const int column = column_index(reader->column_names(), c.column);
-        std::optional<OldValue> found;
-        for (OldRow row; !found && reader->next(row);)
-            if (row[key] == OldValue(c.key)) found = row[column];
-        ASSERT_TRUE(found) << where;
-        EXPECT_TRUE(c.holds(*found)) << where << ": " << as_json(*found).substr(0, 100);
-    }
-}
-
 TEST(JetSource, BigFileStreamsToItsTotals)
 {
     if (!fixtures_present()) GTEST_SKIP() << kNoFixtures;
     const json expected = read_json("big-0514");
     const auto db = open_jet_database(kFixtures / "big-0514.mdb");
-    std::map<std::string, json> totals;
-    const auto add = [&](const char* name, std::int64_t n) { totals[name] = totals[name].get<std::int64_t>() + n; };
-    for (const char* name : {"sum_D_Quantidade", "sum_C_Escalao", "count_services", "sum_Valor", "sum_N_Req2",
-                             "sum_Id_Req_Anual", "max_N_Linha", "count_CodigoTerceiro_null", "count_CodigoCampanha_null",
-                             "count_clients_with_apostrophe", "max_len_Observacoes_TBL_CAB", "max_N_Req"})
-        totals[name] = 0;
-    totals["min_N_Req"] = std::numeric_limits<std::int64_t>::max();
+    std::map<std::string, std::int64_t> totals{{"min_N_Req", std::numeric_limits<std::int64_t>::max()}};
+    const auto most = [&](const char* name, std::int64_t n) { totals[name] = std::max(totals[name], n); };
     OldDateTime first_date{9999, 12, 31}, last_date{};
-
     for (const auto& [table, content] : expected["tables"].items()) {
         const auto reader = db->open_table(table);
-        const auto& columns = reader->column_names();
-        const auto at = [&](const OldRow& row, const char* name) -> const OldValue& { return row[column_index(columns, name)]; };
-        const auto number = [&](const OldRow& row, const char* name) { return std::get<std::int64_t>(at(row, name)); };
         std::size_t count = 0;
         for (OldRow row; reader->next(row); ++count) {
+            const auto at = [&](const char* name) -> const OldValue& { return row[column_index(reader->column_names(), name)]; };
+            const auto number = [&](const char* name) { return std::get<std::int64_t>(at(name)); };
             if (table == "TBL_CLIENTE") {
-                add("count_clients_with_apostrophe", std::get<std::string>(at(row, "Nome")).find('\'') != std::string::npos);
+                totals["count_clients_with_apostrophe"] += std::get<std::string>(at("Nome")).find('\'') != std::string::npos;
             } else if (table == "TBL_CAB") {
-                const auto n = number(row, "N_Req");
-                totals["max_N_Req"] = std::max(totals["max_N_Req"].get<std::int64_t>(), n);
-                totals["min_N_Req"] = std::min(totals["min_N_Req"].get<std::int64_t>(), n);
-                add("sum_N_Req2", number(row, "N_Req2"));
-                add("sum_Id_Req_Anual", number(row, "Id_Req_Anual"));
-                add("count_CodigoTerceiro_null", nimbara::platform::is_null(at(row, "CodigoTerceiro")));
-                if (const auto* remark = std::get_if<std::string>(&at(row, "Observacoes")))
-                    totals["max_len_Observacoes_TBL_CAB"] = std::max(totals["max_len_Observacoes_TBL_CAB"].get<std::size_t>(), characters(*remark));
-                const auto date = std::get<OldDateTime>(at(row, "D_Req"));
-                first_date = std::min(first_date, date);
-                last_date = std::max(last_date, date);
+                most("max_N_Req", number("N_Req"));
+                totals["min_N_Req"] = std::min(totals["min_N_Req"], number("N_Req"));
+                totals["sum_N_Req2"] += number("N_Req2");
+                totals["sum_Id_Req_Anual"] += number("Id_Req_Anual");
+                totals["count_CodigoTerceiro_null"] += is_null(at("CodigoTerceiro"));
+                if (const auto* remark = std::get_if<std::string>(&at("Observacoes")))
+                    most("max_len_Observacoes_TBL_CAB", std::int64_t(characters(*remark)));
+                first_date = std::min(first_date, std::get<OldDateTime>(at("D_Req")));
+                last_date = std::max(last_date, std::get<OldDateTime>(at("D_Req")));
             } else if (table == "TBL_LINHA") {
-                add("sum_D_Quantidade", number(row, "D_Quantidade"));
-                add("sum_C_Escalao", number(row, "C_Escalao"));
-                totals["max_N_Linha"] = std::max(totals["max_N_Linha"].get<std::int64_t>(), number(row, "N_Linha"));
-                add("count_CodigoCampanha_null", nimbara::platform::is_null(at(row, "CodigoCampanha")));
+                totals["sum_D_Quantidade"] += number("D_Quantidade");
+                totals["sum_C_Escalao"] += number("C_Escalao");
+                most("max_N_Linha", number("N_Linha"));
+                totals["count_CodigoCampanha_null"] += is_null(at("CodigoCampanha"));
             } else if (table == "TBL_LINHA_SERVICOESPECIAL") {
-                add("count_services", 1);
-                add("sum_Valor", std::stoll(std::get<std::string>(at(row, "Valor"))));
+                totals["count_services"] += 1;
+                totals["sum_Valor"] += std::stoll(std::get<std::string>(at("Valor")));
             }
         }
         EXPECT_EQ(count, content["row_count"].get<std::size_t>()) << table;
     }
-    totals["first_D_Req"] = to_string(first_date);
-    totals["last_D_Req"] = to_string(last_date);
-    for (const auto& [name, value] : expected["checks"].items()) EXPECT_EQ(totals[name], value) << name;
+    for (const auto& [name, value] : expected["checks"].items()) {
+        if (name == "first_D_Req") EXPECT_EQ(to_string(first_date), value) << name;
+        else if (name == "last_D_Req") EXPECT_EQ(to_string(last_date), value) << name;
+        else EXPECT_EQ(totals.at(name), value.get<std::int64_t>()) << name;
+    }
 }
 
 TEST(JetSource, TablesAreFoundWithoutRegardToCaseAndReadIndependently)
