@@ -1,13 +1,13 @@
 #include "platform/jet_source.hpp"
 
-// libmdb's header uses glib's types without including glib in a form C++ accepts, so glib comes first.
+// libmdb's header includes glib inside its extern "C" block, which C++ refuses; included first, glib
+// makes that inner include empty.
 #include <glib.h>
 #include <mdbtools.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <span>
 #include <string>
@@ -70,7 +70,7 @@ Handle open_handle(const std::filesystem::path& file)
 std::vector<MdbCatalogEntry*> user_tables(MdbHandle* mdb)
 {
     std::vector<MdbCatalogEntry*> tables;
-    for (guint i = 0; i < mdb->num_catalog; ++i) {
+    for (guint i = 0; i < mdb->catalog->len; ++i) {
         auto* entry = static_cast<MdbCatalogEntry*>(g_ptr_array_index(mdb->catalog, i));
         if (entry->object_type == MDB_TABLE && mdb_is_user_table(entry)) tables.push_back(entry);
     }
