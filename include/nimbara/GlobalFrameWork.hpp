@@ -31,4 +31,8 @@ NIMBARA_API bool EscreveFicheiro(const std::filesystem::path& path, std::string_
 // with the folder and the cause.
 NIMBARA_API std::filesystem::path WriteUniqueReport(const std::filesystem::path& folder, std::string_view contents);
 
+// Removes every file this process is still writing (reports, PDFs); safe to call from a signal
+// handler, so that a program stopped by a signal leaves nothing half-written.
+NIMBARA_API void RemovePendingFiles();
+
 }  // namespace nimbara::GlobalFrameWork

@@ -26,12 +26,23 @@ struct Failure {
     friend bool operator==(const Failure&, const Failure&) = default;
 };
 
+// A line that failed validation: its row in the order of filling (from 0), its N_Linha, its error.
+struct LineError {
+    int row = 0;
+    std::string N_Linha;
+    ErrorArray error;
+    friend bool operator==(const LineError&, const LineError&) = default;
+};
+
 // What ImprimeGuia did, for hosts that want more than its answer.
 struct GuiaOutcome {
     bool validated = false;  // false when only printing was asked for
     bool errors = false;     // a line or a rule of the whole Guia failed
+    std::vector<LineError> line_errors;  // as the report lists them
+    ValidationResult guia_error;         // a rule of the whole Guia, judged when every line passed
     std::optional<std::filesystem::path> report;  // the report file, when one was written
     std::vector<std::filesystem::path> printed;   // the files the default printer finished, in order
+    int copies = 0;                               // the copies the print run set out to make
     // What ended the call before its end; the answer is then the fixed failure answer.
     std::optional<Failure> failure;
     // What the print run logged as failed: a copy or a page that did not come out whole. The
@@ -133,6 +144,11 @@ public:
     // With boolOnlyPrinter the Guia is neither validated nor reported, only printed.
     [[nodiscard]] std::string ImprimeGuia(bool boolOnlyPrinter);
 
+    // What would keep the held Guia from printing whole, found before anything is drawn: each
+    // problem's place is the fill argument and its row ("/produtos/2/Escalao"). Printing does not
+    // ask: a Guia with problems prints what it can and logs the rest, as it always did.
+    [[nodiscard]] std::vector<Failure> PrintProblems() const;
+
     // Does what ImprimeGuia does and tells what happened; ImprimeGuia's answer is built from it.
     [[nodiscard]] GuiaOutcome ImprimeGuiaOutcome(bool boolOnlyPrinter);
 
@@ -177,6 +193,7 @@ private:
     std::optional<Failure> last_error_;
     std::optional<Failure> print_failure_;
     std::vector<std::string> print_log_entries_;
+    int copies_asked_ = 0;
 };
 
 }  // namespace nimbara

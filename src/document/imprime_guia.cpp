@@ -8,6 +8,7 @@
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/pdf_printer.hpp"
+#include "printing/printable.hpp"
 #include "validation/guia_rules.hpp"
 
 namespace nimbara {
@@ -41,17 +42,27 @@ std::filesystem::path cls_ValProdutosA::reportFolder() const
 
 std::filesystem::path cls_ValProdutosA::printFolder() const { return print_folder_ ? *print_folder_ : reportFolder(); }
 
+std::vector<Failure> cls_ValProdutosA::PrintProblems() const
+{
+    std::vector<Failure> out;
+    for (auto& p : printing::printing_problems(arrays_)) out.push_back({std::move(p.place), std::move(p.what)});
+    return out;
+}
+
 GuiaOutcome cls_ValProdutosA::ImprimeGuiaOutcome(bool boolOnlyPrinter)
 {
     GuiaOutcome outcome;
     outcome.validated = !boolOnlyPrinter;
     print_failure_.reset();
     print_log_entries_.clear();
+    copies_asked_ = 0;
     try {
         std::string log;
         if (!arrays_.arrGuia.empty() && !boolOnlyPrinter) {
             document::ValidationReport report = document::build_validation_report(arrays_);
             outcome.errors = report.errors;
+            outcome.line_errors = std::move(report.line_errors);
+            outcome.guia_error = std::move(report.guia_error);
             log = std::move(report.text);
         }
 
@@ -79,6 +90,7 @@ GuiaOutcome cls_ValProdutosA::ImprimeGuiaOutcome(bool boolOnlyPrinter)
             // It empties the tables after its run.
             Imprime_Guias(*printer, form_impressao(), "", NReq, 0, DuplOrig, dtRequisicao, NDoc);
             if (pdf_printer) outcome.printed = pdf_printer->written();
+            outcome.copies = copies_asked_;
             outcome.print_failures = print_log_entries_;
             if (print_failure_) outcome.print_failures.push_back(print_failure_->where + ": " + print_failure_->cause);
         }

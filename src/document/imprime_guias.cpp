@@ -27,6 +27,7 @@ void cls_ValProdutosA::Imprime_Guias(PageSurface& impr, const FormImpressao& myP
         parametros.PreencheObjecto(arrays_.arrParametros);
         impr.setTrackDefault(false);
         const std::int16_t vias = text::require_int16(parametros.vGuiaNVias);
+        copies_asked_ = vias;
         for (std::int16_t via = 1; via <= vias; ++via) {
             const double left = twips_to_mm(parametros.vGuiaMargensEsquerda);
             const double top = twips_to_mm(parametros.vGuiaMargensTopo);

@@ -191,6 +191,7 @@ ValidationReport build_validation_report(const GuiaArrays& guia)
         if (const auto error = validate_line(r)) {
             report.errors = true;
             append_line_block(out, r, row, *error);
+            report.line_errors.push_back({row, std::string(r.text(guia::N_Linha)), *error});
         }
     }
     if (report.errors) return report;
@@ -203,6 +204,7 @@ ValidationReport build_validation_report(const GuiaArrays& guia)
         // Guia errors share numbers with the service errors but always carry their own text.
         add_line(out, "Descricao = ", std::get<std::string>(error->description));
         out += kBreak;
+        report.guia_error = error;
     }
     return report;
 }

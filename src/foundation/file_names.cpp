@@ -107,4 +107,6 @@ bool EscreveFicheiro(const std::filesystem::path& path, std::string_view content
     return !ec;
 }
 
+void RemovePendingFiles() { remove_pending_files_on_signal(); }
+
 }  // namespace nimbara::GlobalFrameWork

@@ -52,12 +52,12 @@ std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32
     head += pad_number(kVersionMajor, 2);
     head += pad_number(kVersionMinor, 2);
     head += pad_number(kVersionRevision, 2);
-    head += padded(cab, cab::CodContrato, 0, 12);
-    head += padded(cab, cab::CodCliente, 0, 9);
+    head += padded(cab, cab::CodContrato, 0, head_width(cab::CodContrato));
+    head += padded(cab, cab::CodCliente, 0, head_width(cab::CodCliente));
     const Cell& third = cab.at(cab::CodTerceiro, 0);
-    head += pad_zero(third ? std::string_view(*third) : "0", 8);
+    head += pad_zero(third ? std::string_view(*third) : "0", head_width(cab::CodTerceiro));
     head += cab.text(cab::Drqjul, 0);  // the Julian date goes in as it stands, four characters
-    head += padded(cab, cab::IDReqAnual, 0, 4);
+    head += padded(cab, cab::IDReqAnual, 0, head_width(cab::IDReqAnual));
     head += pad_number(pag, 2);
     head += pad_number(TotPaginas, 2);
     const double payment = text::require_cell_number(cab.at(cab::Pagamento, 0));
@@ -65,9 +65,9 @@ std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32
     head += yes_no(payment == 0);
     head += yes_no(cab.text(cab::JppCredenciado, 0) == "1");
     head += yes_no(payment == 2);
-    head += padded(cab, cab::NCredencial, 0, 7);
+    head += padded(cab, cab::NCredencial, 0, head_width(cab::NCredencial));
     head += "0000000000";
-    head += padded(cab, cab::NCompromisso, 0, 15);
+    head += padded(cab, cab::NCompromisso, 0, head_width(cab::NCompromisso));
     // Fields 20 and 21 are built and then cut off by the finish.
     head += yes_no(text::require_cell_number(cab.at(cab::Unused20, 0)) == 0);
     head += padded(cab, cab::Unused21, 0, 9);
@@ -76,7 +76,7 @@ std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32
 
 std::string item_servico(std::string_view code, std::string_view value)
 {
-    return pad_zero(code, 2) + pad_zero(value, 7);
+    return pad_zero(code, kServiceCodeWidth) + pad_zero(value, kServiceValueWidth);
 }
 
 std::string item_linha(const guia::Table& g, int row, std::string_view Str_CodBarrasServEsp,
@@ -84,22 +84,7 @@ std::string item_linha(const guia::Table& g, int row, std::string_view Str_CodBa
 {
     std::string item;
     item.reserve(55 + Str_CodBarrasServEsp.size());
-    item += padded(g, guia::A_Zona_Taxacao, row, 2);
-    item += padded(g, guia::B_Produto, row, 3);
-    item += padded(g, guia::Escalao, row, 6);
-    item += padded(g, guia::D_Quantidade, row, 7);
-    item += digit(g, guia::E_Velocidade, row);
-    item += digit(g, guia::Formato, row);
-    item += digit(g, guia::PreTratamento, row);
-    item += digit(g, guia::Desconto, row);
-    item += digit(g, guia::Entrega_Sampling, row);
-    item += digit(g, guia::TaxEsp_Semana, row);
-    item += padded(g, guia::TaxEsp_Quantidade, row, 4);
-    item += digit(g, guia::CodAmbitoDist, row);
-    item += padded(g, guia::CodigoCampanha, row, 13);
-    item += digit(g, guia::DivisaoRemetente, row);
-    item += padded(g, guia::caracte, row, 1);
-    item += padded(g, guia::refClie, row, 9);
+    for (const auto& f : kItemFields) item += f.digit ? digit(g, f.field, row) : padded(g, f.field, row, f.width);
     item += pad_number(Total_Se_CodBarras, 2);
     item += Str_CodBarrasServEsp;
     return item;
