@@ -2,25 +2,20 @@
 // message that names the file.
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
+#include <string_view>
 
-#include "guia_file.hpp"
 #include "guia_run.hpp"
+#include "nimbara/guia_file.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const auto path = nimbara::fuzzing::scratch_folder().parent_path() /
-                      (nimbara::fuzzing::scratch_folder().filename().string() + ".json");
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    }
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
     try {
-        const auto file = nimbara::cli::read_guia_file(path);
+        const auto file = nimbara::parse_guia_file(text, "fuzz.json");
         nimbara::cls_ValProdutosA guia;
-        if (!nimbara::cli::fill_guia(guia, file)) nimbara::fuzzing::finish(guia, false);
-    } catch (const nimbara::cli::GuiaFileError& e) {
-        if (std::string_view(e.what()).find(path.string()) != 0) __builtin_trap();
+        if (!nimbara::fill_guia(guia, file)) nimbara::fuzzing::finish(guia, false);
+    } catch (const nimbara::GuiaFileError& e) {
+        if (std::string_view(e.what()).rfind("fuzz.json", 0) != 0) __builtin_trap();
     }
     return 0;
 }

@@ -4,13 +4,13 @@
 #include <sstream>
 #include <string>
 
-#include "line_batch.hpp"
+#include "nimbara/line_batch.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
     std::ostringstream out, err;
-    const auto summary = nimbara::cli::check_line_batch(in, out, err, "fuzz");
+    const auto summary = nimbara::check_line_batch(in, out, err, "fuzz");
     // One answer line per input line, whether judged or refused.
     std::size_t answers = 0;
     for (const char c : out.str()) answers += c == '\n';

@@ -6,6 +6,7 @@
 
 #include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/guia_arrays.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
@@ -13,7 +14,7 @@ namespace printing {
 class PageDriver;
 }
 
-class cls_ImpressaoA : public ImpressaoComum {
+class NIMBARA_API cls_ImpressaoA : public ImpressaoComum {
 public:
     cls_ImpressaoA() : ImpressaoComum(Edition::Array) {}
 
@@ -54,7 +55,7 @@ public:
                                     const ServiceSlots* Array_valorEsp = nullptr);
 
     // How many of a line's services (as getArrServEspByLinha gives them) carry a value above 0.
-    static std::int16_t CountSEspeciaisComValor(const FieldTable& myArray);
+    static std::int16_t CountSEspeciaisComValor(const serv::Table& myArray);
 
     // ---- Barcode ---------------------------------------------------------------------------------
 

@@ -1,4 +1,5 @@
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
+#include "foundation/pending_file.hpp"
 #include "platform/picture_art.hpp"
 
 #include <cairo-pdf.h>
@@ -17,7 +18,7 @@
 #include <unordered_map>
 #include <variant>
 
-namespace nimbara::platform {
+namespace nimbara {
 namespace {
 
 constexpr double kTwipsPerPoint = 20.0;
@@ -240,81 +241,6 @@ std::filesystem::path part_name(const std::filesystem::path& target)
     return temp;
 }
 
-// Where a job's bytes go: a ".part" file beside the target, renamed to it once the job is whole. A
-// target that exists and is no regular file (a device, a pipe) takes the bytes itself, as renaming
-// over it would replace it.
-std::filesystem::path staging_name(const std::filesystem::path& target)
-{
-    std::error_code ec;
-    const auto status = std::filesystem::status(target, ec);
-    if (!ec && std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) return target;
-    return part_name(target);
-}
-
-// A file of ours that cairo writes into: its bytes go to the staging name and reach the target only
-// when all of them were written; otherwise the staging file goes and the message says why.
-class OutputFile {
-public:
-    explicit OutputFile(std::filesystem::path target) : target_(std::move(target)), staging_(staging_name(target_))
-    {
-        file_.reset(std::fopen(staging_.c_str(), "wb"));
-        if (!file_) throw std::runtime_error("cannot write \"" + target_.string() + "\": " + std::strerror(errno));
-    }
-    ~OutputFile() { discard(); }
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
-
-    // cairo's output stream, keeping the cause of the first failed write.
-    static cairo_status_t write(void* closure, const unsigned char* data, unsigned int length)
-    {
-        auto& self = *static_cast<OutputFile*>(closure);
-        if (std::fwrite(data, 1, length, self.file_.get()) == length) return CAIRO_STATUS_SUCCESS;
-        if (self.cause_ == 0) self.cause_ = errno;
-        return CAIRO_STATUS_WRITE_ERROR;
-    }
-
-    // Closes the file and puts it in place; throws with the cause (or cairo's status) when any
-    // part of it could not be written.
-    void commit(cairo_status_t status)
-    {
-        if ((std::fflush(file_.get()) != 0 || std::ferror(file_.get())) && cause_ == 0) cause_ = errno;
-        if (std::fclose(file_.release()) != 0 && cause_ == 0) cause_ = errno;
-        if (status != CAIRO_STATUS_SUCCESS || cause_ != 0) {
-            discard();
-            fail(cause_ != 0 ? std::strerror(cause_) : cairo_status_to_string(status));
-        }
-        std::error_code ec;
-        if (staging_ != target_) std::filesystem::rename(staging_, target_, ec);
-        if (ec) {
-            discard();
-            fail(ec.message());
-        }
-        committed_ = true;
-    }
-
-    const std::filesystem::path& target() const { return target_; }
-
-private:
-    [[noreturn]] void fail(const std::string& cause) const
-    {
-        throw std::runtime_error("cannot write \"" + target_.string() + "\": " + cause);
-    }
-    // Drops an unfinished file; a device target is left as it is.
-    void discard()
-    {
-        if (committed_) return;
-        file_.reset();
-        std::error_code ec;
-        if (staging_ != target_) std::filesystem::remove(staging_, ec);
-    }
-
-    std::filesystem::path target_;
-    std::filesystem::path staging_;
-    FileHandle file_;
-    int cause_ = 0;
-    bool committed_ = false;
-};
-
 // A picture's raster as the printer is given it, kept while the pixels stay the same, so that a
 // document embeds each asset once however many pages show it.
 struct CachedPicture {
@@ -356,7 +282,8 @@ SharedSurface make_image(const Picture& p)
 }  // namespace
 
 struct PdfSurface::Impl {
-    JobNamer namer;
+    JobNamer namer;     // jobs go to files...
+    DocumentSink sink;  // ...or to the host
 
     // Printer state.
     int orientation = 1;
@@ -378,13 +305,15 @@ struct PdfSurface::Impl {
     // The job in progress.
     int jobs_done = 0;
     bool in_job = false;
-    std::unique_ptr<OutputFile> file;
+    std::optional<PendingFile> file;
+    std::string bytes;  // the job's PDF, for a sink
+    std::string write_error;
     SurfaceHandle pdf;
     bool page_open = false;
     std::vector<Page> pages;
     std::vector<std::filesystem::path> written;
 
-    explicit Impl(JobNamer n) : namer(std::move(n))
+    Impl(JobNamer n, DocumentSink k) : namer(std::move(n)), sink(std::move(k))
     {
         pango.reset(pango_font_map_create_context(pango_cairo_font_map_get_default()));
         // Unhinted metrics, so that widths and positions are the same in the PDF and in every preview.
@@ -442,13 +371,41 @@ struct PdfSurface::Impl {
         return orientation == 2 ? std::pair{mm_to_twips(h), mm_to_twips(w)} : std::pair{mm_to_twips(w), mm_to_twips(h)};
     }
 
+    static cairo_status_t write_out(void* closure, const unsigned char* data, unsigned int length)
+    {
+        auto& self = *static_cast<Impl*>(closure);
+        const std::string_view chunk(reinterpret_cast<const char*>(data), length);
+        if (!self.file) {
+            self.bytes.append(chunk);
+            return CAIRO_STATUS_SUCCESS;
+        }
+        try {
+            self.file->write(chunk);
+            return CAIRO_STATUS_SUCCESS;
+        } catch (const std::exception& e) {
+            self.write_error = e.what();
+            return CAIRO_STATUS_WRITE_ERROR;
+        }
+    }
+
+    std::filesystem::path job_name(int attempt) const { return namer(jobs_done + 1, attempt); }
+
     void begin_job()
     {
         if (in_job) return;
-        const auto path = namer(jobs_done + 1);
-        file = std::make_unique<OutputFile>(namer(jobs_done + 1));
+        file.reset();
+        if (namer) {
+            const auto path = job_name(1);
+            try {
+                file.emplace(path.parent_path());
+            } catch (const std::system_error& e) {
+                throw std::runtime_error("cannot write \"" + path.string() + "\": " + e.code().message());
+            }
+        }
+        bytes.clear();
+        write_error.clear();
         const auto [w, h] = page_twips();
-        SurfaceHandle s(cairo_pdf_surface_create_for_stream(OutputFile::write, file.get(), w / kTwipsPerPoint, h / kTwipsPerPoint));
+        SurfaceHandle s(cairo_pdf_surface_create_for_stream(write_out, this, w / kTwipsPerPoint, h / kTwipsPerPoint));
         if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS) {
             file.reset();
             throw std::runtime_error("cannot start a PDF document: " +
@@ -491,11 +448,26 @@ struct PdfSurface::Impl {
         const auto status = cairo_surface_status(pdf.get());
         pdf.reset();
         in_job = false;
-        const std::filesystem::path target = file->target();
-        const auto finishing = std::move(file);
-        finishing->commit(status);
+        const std::string place = namer ? "\"" + job_name(1).string() + "\"" : std::string("the PDF");
+        if (status != CAIRO_STATUS_SUCCESS) {
+            file.reset();
+            throw std::runtime_error("cannot write " + place + ": " +
+                                     (write_error.empty() ? std::string(cairo_status_to_string(status)) : write_error));
+        }
         ++jobs_done;
-        written.push_back(target);
+        if (!file) {
+            sink(jobs_done, std::move(bytes));
+            bytes.clear();
+            return;
+        }
+        try {
+            written.push_back(file->publish([this](int attempt) { return namer(jobs_done, attempt); }));
+        } catch (const std::system_error& e) {
+            file.reset();
+            --jobs_done;
+            throw std::runtime_error("cannot write " + place + ": " + e.code().message());
+        }
+        file.reset();
     }
 
     // A job never ended leaves no file.
@@ -504,6 +476,7 @@ struct PdfSurface::Impl {
         if (!in_job) return;
         pdf.reset();
         file.reset();
+        bytes.clear();
         in_job = false;
     }
 
@@ -519,19 +492,23 @@ struct PdfSurface::Impl {
 
     void require_copy_pen(const char* what) const
     {
-        if (draw_mode != 13)
+        if (draw_mode != printer::kDrawCopyPen)
             throw std::invalid_argument(std::string(what) + " in draw mode " + std::to_string(draw_mode) +
                                         " is not supported; only 13 (copy pen) is");
     }
 };
 
-PdfSurface::PdfSurface(JobNamer namer) : impl_(std::make_unique<Impl>(std::move(namer))) {}
+PdfSurface::PdfSurface(JobNamer namer) : impl_(std::make_unique<Impl>(std::move(namer), nullptr)) {}
+
+PdfSurface::PdfSurface(DocumentSink sink) : impl_(std::make_unique<Impl>(nullptr, std::move(sink))) {}
 
 PdfSurface::PdfSurface(const std::filesystem::path& pdf)
-    : PdfSurface([pdf](int job) {
-          if (job == 1) return pdf;
+    : PdfSurface([pdf](int job, int attempt) {
+          std::string stem = pdf.stem().string();
+          if (job > 1) stem += "-" + std::to_string(job);
+          if (attempt > 1) stem += "-" + std::to_string(attempt);
           auto named = pdf;
-          named.replace_filename(pdf.stem().string() + "-" + std::to_string(job) + pdf.extension().string());
+          named.replace_filename(stem + pdf.extension().string());
           return named;
       })
 {
@@ -541,7 +518,7 @@ PdfSurface::~PdfSurface() = default;
 
 void PdfSurface::setScaleMode(int mode)
 {
-    if (mode != 1) throw std::invalid_argument("scale mode " + std::to_string(mode) + " is not supported; only 1 (twips) is");
+    if (mode != printer::kScaleTwips) throw std::invalid_argument("scale mode " + std::to_string(mode) + " is not supported; only 1 (twips) is");
 }
 
 void PdfSurface::setOrientation(int orientation)
@@ -606,7 +583,7 @@ double PdfSurface::TextWidth(std::string_view text)
 
 void PdfSurface::Line(int flags, double x1, double y1, double x2, double y2, Colour)
 {
-    if (flags != 20) throw std::invalid_argument("Line flags " + std::to_string(flags) + " are not supported; only 20 (box) is");
+    if (flags != printer::kLineBox) throw std::invalid_argument("Line flags " + std::to_string(flags) + " are not supported; only 20 (box) is");
     impl_->require_copy_pen("Line");
     impl_->page().ops.push_back(RectOp{x1, y1, x2, y2, impl_->fore, impl_->fill});
 }
@@ -701,8 +678,27 @@ RasterImage PdfSurface::render(int page, double dpi) const
 void PdfSurface::render_png(int page, double dpi, const std::filesystem::path& png) const
 {
     const auto s = render_surface(impl_->pages, page, dpi);
-    OutputFile file(png);
-    file.commit(cairo_surface_write_to_png_stream(s.get(), OutputFile::write, &file));
+    // Encoded in memory first, so that a write that fails is told by its own cause, not cairo's.
+    std::string bytes;
+    const auto append = [](void* closure, const unsigned char* data, unsigned int length) {
+        static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+        return CAIRO_STATUS_SUCCESS;
+    };
+    if (const auto status = cairo_surface_write_to_png_stream(s.get(), append, &bytes); status != CAIRO_STATUS_SUCCESS)
+        throw std::runtime_error("cannot encode \"" + png.string() + "\": " + cairo_status_to_string(status));
+    const auto temp = part_name(png);
+    const auto fail = [&](int cause) {
+        std::error_code ignored;
+        std::filesystem::remove(temp, ignored);
+        throw std::runtime_error("cannot write \"" + png.string() + "\": " + std::strerror(cause));
+    };
+    FileHandle file(std::fopen(temp.c_str(), "wb"));
+    if (!file) fail(errno);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() || std::fflush(file.get()) != 0) fail(errno);
+    if (std::fclose(file.release()) != 0) fail(errno);
+    std::error_code ec;
+    std::filesystem::rename(temp, png, ec);
+    if (ec) fail(ec.value());
 }
 
-}  // namespace nimbara::platform
+}  // namespace nimbara

@@ -5,23 +5,22 @@
 
 namespace nimbara::printing {
 
-FieldTable printed_line(const GuiaSource& source, int index)
+guia::Table printed_line(const GuiaSource& source, int index)
 {
-    FieldTable line = source.line(index);
+    guia::Table line = source.line(index);
     if (line.text(guia::B_Produto, 0) == "C07" && line.text(guia::Formato, 0) == "07")
         line.set(guia::Formato, 0, std::string("01"));
     return line;
 }
 
-FieldTable ArraySource::line(int index) const
+guia::Table ArraySource::line(int index) const
 {
-    const FieldTable& g = arrays_.arrGuia;
-    FieldTable line(g.field_count());
-    for (int field = 0; field < g.field_count(); ++field) line.set(field, 0, g.at(field, index));
+    guia::Table line;
+    for (const auto field : guia::Table::fields()) line.set(field, 0, arrays_.arrGuia.at(field, index));
     return line;
 }
 
-FieldTable ArraySource::services(int index) const
+serv::Table ArraySource::services(int index) const
 {
     return GlobalXML::getArrServEspByLinha(arrays_.arrServEsp,
                                            text::require_cell_int32(arrays_.arrGuia.at(guia::N_Linha, index)));

@@ -10,28 +10,28 @@ public:
     virtual ~GuiaSource() = default;
 
     // The header as one row; an empty table when the Guia has none.
-    virtual const FieldTable& header() const = 0;
+    virtual const cab::Table& header() const = 0;
     virtual int line_count() const = 0;
-    // One line as a one-row table with the fields of the lines' table, as the source holds it.
-    virtual FieldTable line(int index) const = 0;
+    // One line as a one-row table, as the source holds it.
+    virtual guia::Table line(int index) const = 0;
     // The special services of a line as rows of the services' table. Throws std::exception when the
     // line's number is no number.
-    virtual FieldTable services(int index) const = 0;
+    virtual serv::Table services(int index) const = 0;
 };
 
 // A line as it prints and encodes: format "07" of product "C07" stands as "01". The source keeps
 // its own value.
-FieldTable printed_line(const GuiaSource& source, int index);
+guia::Table printed_line(const GuiaSource& source, int index);
 
 // The Guia held in the four in-memory tables.
 class ArraySource final : public GuiaSource {
 public:
     explicit ArraySource(const GuiaArrays& arrays) : arrays_(arrays) {}
 
-    const FieldTable& header() const override { return arrays_.arrCabecalho; }
+    const cab::Table& header() const override { return arrays_.arrCabecalho; }
     int line_count() const override { return arrays_.arrGuia.row_count(); }
-    FieldTable line(int index) const override;
-    FieldTable services(int index) const override;
+    guia::Table line(int index) const override;
+    serv::Table services(int index) const override;
 
 private:
     const GuiaArrays& arrays_;

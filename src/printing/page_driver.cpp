@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "foundation/chars.hpp"
+#include "foundation/run_time_errors.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printing/barcode_payload.hpp"
@@ -16,7 +17,8 @@ constexpr int kRowsPerPage = 12;
 constexpr std::int32_t kFirstRowY = 42;  // 42.5 rounded half to even, as the row's y always was
 constexpr std::int32_t kRowPitch = 6;
 
-std::string text_or(const FieldTable& t, int field, int row, std::string_view if_empty)
+template <class Table>
+std::string text_or(const Table& t, typename Table::field_type field, int row, std::string_view if_empty)
 {
     const Cell& c = t.at(field, row);
     return std::string(c ? std::string_view(*c) : if_empty);
@@ -25,7 +27,7 @@ std::string text_or(const FieldTable& t, int field, int row, std::string_view if
 // A slot of the service rows; the old arrays had eleven, and a count past them stopped the copy.
 std::string& slot(cls_ImpressaoA::ServiceSlots& slots, std::int32_t index)
 {
-    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) throw std::out_of_range("Subscript out of range");
+    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) raise(RunTimeError::SubscriptOutOfRange);
     return slots[static_cast<std::size_t>(index)];
 }
 
@@ -48,7 +50,7 @@ struct Via {
     std::int16_t nSemCodigo = 0;
     std::int32_t yLinha = kFirstRowY;
     std::int32_t yServ = kFirstRowY;
-    FieldTable servLinha{serv::kFields};
+    serv::Table servLinha;
     cls_ImpressaoA::ServiceSlots cod{}, val{};
     std::int32_t nVal = 0, nCod = 0;
     std::int32_t codigoServ = 0, valorServ = 0;  // the code and value kept for the next service row
@@ -89,7 +91,7 @@ private:
     void turnPage(bool count_first);
     void finishSymbol();
     // The product line of a one-row table, as it prints.
-    void detailOfLine(const FieldTable& line, std::int32_t y);
+    void detailOfLine(const guia::Table& line, std::int32_t y);
 
     cls_ImpressaoA& printer;
     const GuiaSource& source;
@@ -108,7 +110,7 @@ std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
         std::int16_t rows = 0, semValor = 0, comValor = 0;
         for (int line = 0; line < source.line_count(); ++line) {
             ++rows;
-            const FieldTable services = source.services(line);
+            const serv::Table services = source.services(line);
             for (int s = 0; s < services.row_count(); ++s) {
                 const bool without_value = text::require_cell_number(services.at(serv::Valor, s)) == 0;
                 ++(without_value ? semValor : comValor);
@@ -148,9 +150,9 @@ std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
 
 namespace printing {
 
-void PageDriver::detailOfLine(const FieldTable& line, std::int32_t y)
+void PageDriver::detailOfLine(const guia::Table& line, std::int32_t y)
 {
-    const auto f = [&](int field) { return std::string(line.text(field, 0)); };
+    const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
     printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
                               f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento),
                               f(guia::Desconto), f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana),
@@ -161,9 +163,9 @@ void PageDriver::detailOfLine(const FieldTable& line, std::int32_t y)
 void PageDriver::pageTop()
 {
     printer.PrintaParteFixaGuiaExp(s, imagens, via.DuplOrig, via.dtRequisicao);
-    const FieldTable& cab = source.header();
+    const cab::Table& cab = source.header();
     if (!cab.empty()) {
-        const auto f = [&](int field) { return std::string(cab.text(field, 0)); };
+        const auto f = [&](auto field) { return std::string(cab.text(field, 0)); };
         const std::string postal = chars::left(f(cab::CodPostal), 4) + " - " + chars::right(f(cab::CodPostal), 3) +
                                    " " + f(cab::DesigPostal);
         printer.ImprimeHeaderFooter(s, text_or(cab, cab::CodTerceiro, 0, "0"), f(cab::CodCliente), f(cab::CodContrato),
@@ -200,14 +202,14 @@ void PageDriver::turnPage(bool count_first)
     s.NewPage();
     via.yLinha = kFirstRowY;
     pageTop();
-    const FieldTable& cab = source.header();
+    const cab::Table& cab = source.header();
     printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
                                std::string(cab.text(cab::NCompromisso, 0)));
 }
 
 void PageDriver::printServices()
 {
-    const FieldTable& services = via.servLinha;
+    const serv::Table& services = via.servLinha;
     const auto fresh_slots = [&] {
         via.cod = {};
         via.val = {};
@@ -291,9 +293,9 @@ void PageDriver::printLine()
 {
     const int lin = via.lin;
     const int last = source.line_count() - 1;
-    const FieldTable& cab = source.header();
-    const FieldTable line = printed_line(source, lin);
-    const auto f = [&](int field) { return std::string(line.text(field, 0)); };
+    const cab::Table& cab = source.header();
+    const guia::Table line = printed_line(source, lin);
+    const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
     const std::string product = f(guia::B_Produto);
 
     detailOfLine(line, via.yLinha);
@@ -310,7 +312,7 @@ void PageDriver::printLine()
         printer.Str_CodBarrasServEsp = "25" + printing::pad_zero(source.line(lin + 1).text(guia::Escalao, 0), 7);
         ++printer.Total_Se_CodBarras;
     }
-    const FieldTable& services = via.servLinha;
+    const serv::Table& services = via.servLinha;
     if (!services.empty()) {
         for (int i = 0; i < services.row_count(); ++i)
             printer.Str_CodBarrasServEsp +=
@@ -346,7 +348,7 @@ void PageDriver::printLine()
     const std::int64_t total = static_cast<std::int64_t>(via.totalQuantidade) +
                                (quantity.empty() ? 0 : text::require_int32(quantity));
     if (total > std::numeric_limits<std::int32_t>::max() || total < std::numeric_limits<std::int32_t>::min())
-        throw std::overflow_error("Overflow");
+        raise(RunTimeError::Overflow);
     via.totalQuantidade = static_cast<std::int32_t>(total);
 
     printer.Str_CodBarrasServEsp.clear();
@@ -359,8 +361,8 @@ void PageDriver::run(std::int32_t varNReq)
 {
     try {
         via.TotPaginas = printer.Calcula_TotalidadePaginas(varNReq);
-        const FieldTable& cab = source.header();
-        if (source.line_count() == 0) throw std::invalid_argument("Type mismatch");  // no lines: nothing to walk
+        const cab::Table& cab = source.header();
+        if (source.line_count() == 0) raise(RunTimeError::TypeMismatch);  // no lines: nothing to walk
         while (!via.fim) {
             if (via.page_full()) finishSymbol();
             ++via.pag;

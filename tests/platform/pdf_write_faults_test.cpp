@@ -1,5 +1,5 @@
 // Writing a PDF or a PNG where the machine refuses the bytes: the failure names the file and the
-// cause, and nothing half-written stays behind; a device target is written, never replaced.
+// cause, and nothing half-written stays behind.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,12 +9,12 @@
 #include <string>
 
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 #include "support/temp_folder.hpp"
 #include "support/unwritable_places.hpp"
 
 namespace fs = std::filesystem;
-using nimbara::platform::PdfSurface;
+using nimbara::PdfSurface;
 using nimbara::testing::TempFolder;
 using nimbara::testing::UnwritableFolder;
 
@@ -73,16 +73,4 @@ TEST(PdfWriteFaults, TheCauseIsNamedAndNothingIsLeft)
         EXPECT_EQ(std::distance(fs::directory_iterator(*c.folder), {}), before) << c.what << ": a file was left";
     }
     if (tried == 0) GTEST_SKIP() << "this machine lets the test make neither a full nor a read-only folder";
-}
-
-TEST(PdfWriteFaults, ADeviceTargetIsWrittenInPlace)
-{
-    TempFolder writable;
-    const std::string message = failure([&] {
-        PdfSurface s(fs::path("/dev/full"));
-        print_test_page(s, writable.path() / "print.log");
-    });
-    EXPECT_NE(message.find("\"/dev/full\": No space left on device"), std::string::npos) << message;
-    EXPECT_TRUE(fs::is_character_file("/dev/full"));
-    EXPECT_FALSE(fs::exists("/dev/full.part"));
 }

@@ -10,7 +10,7 @@
 
 #include "failing_surface.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 #include "printing/recording_surface.hpp"
 #include "support/sample_guia.hpp"
 #include "support/temp_folder.hpp"
@@ -90,7 +90,7 @@ TEST(SurfaceFaults, APdfIsWholeOrAbsent)
     for (long k = 1; k <= calls; ++k) {
         std::filesystem::remove(pdf);
         {
-            platform::PdfSurface surface(pdf);
+            PdfSurface surface(pdf);
             const Outcome r = print(surface, k, log);
             EXPECT_TRUE(logged(r.log, k)) << "call " << k;
         }
