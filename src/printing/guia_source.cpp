@@ -1,7 +1,6 @@
 #include "printing/guia_source.hpp"
 
 #include "foundation/required_numbers.hpp"
-#include "nimbara/GlobalXML.hpp"
 
 namespace nimbara::printing {
 
