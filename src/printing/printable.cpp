@@ -5,6 +5,7 @@
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "foundation/text.hpp"
+#include "nimbara/cls_ParametroA.hpp"
 #include "printing/barcode_payload.hpp"
 
 namespace nimbara::printing {
@@ -60,27 +61,30 @@ std::vector<PrintProblem> printing_problems(const GuiaArrays& arrays)
         c.problems.push_back({"/cabecalho/cb_Drqjul", "\"" + header(cab::Drqjul) +
                                                           "\" is not 4 characters, as the barcode carries it"});
 
-    const auto& par = arrays.arrParametros;
-    const std::string copies(par.text(param::vGuiaNVias, 0));
-    c.converts("/parametros/vGuiaNVias", copies, "a whole number from 1 to 32767", [&] {
-        if (text::require_int16(copies) < 1) throw std::out_of_range("no copy");
+    // The settings as printing reads them: a Guia without parameters prints with the defaults.
+    cls_ParametroA par;
+    par.PreencheObjecto(arrays.arrParametros);
+    c.converts("/parametros/vGuiaNVias", par.vGuiaNVias, "a whole number from 1 to 32767", [&] {
+        if (text::require_int16(par.vGuiaNVias) < 1) throw std::out_of_range("no copy");
     });
-    for (const auto [field, name] : {std::pair{param::vGuiaMargensTopo, "vGuiaMargensTopo"},
-                                     std::pair{param::vGuiaMargensEsquerda, "vGuiaMargensEsquerda"},
-                                     std::pair{param::VCod2DFonteSize, "VCod2DFonteSize"},
-                                     std::pair{param::vCod2DRatio, "vCod2DRatio"}}) {
-        const std::string value(par.text(field, 0));
-        c.converts("/parametros/" + std::string(name), value, "a number", [&] { text::require_number(value); });
-    }
-    // The symbol's settings; a Guia with no parameters at all prints with the defaults.
-    if (!par.empty()) {
-        for (const auto [field, name] : {std::pair{param::vCod2DErroLevel, "vCod2DErroLevel"},
-                                         std::pair{param::vCod2DNColunas, "vCod2DNColunas"},
-                                         std::pair{param::vCod2DNLinhas, "vCod2DNLinhas"},
-                                         std::pair{param::vCod2DPDFMode, "vCod2DPDFMode"}}) {
-            const std::string value(par.text(field, 0));
-            c.converts("/parametros/" + std::string(name), value, "a whole number", [&] { text::require_int32(value); });
-        }
+    struct Setting {
+        std::string cls_ParametroA::*member;
+        const char* name;
+        bool whole;
+    };
+    for (const auto& [member, name, whole] : {Setting{&cls_ParametroA::vGuiaMargensTopo, "vGuiaMargensTopo", false},
+                                              Setting{&cls_ParametroA::vGuiaMargensEsquerda, "vGuiaMargensEsquerda", false},
+                                              Setting{&cls_ParametroA::VCod2DFonteSize, "VCod2DFonteSize", false},
+                                              Setting{&cls_ParametroA::vCod2DRatio, "vCod2DRatio", false},
+                                              Setting{&cls_ParametroA::vCod2DErroLevel, "vCod2DErroLevel", true},
+                                              Setting{&cls_ParametroA::vCod2DNColunas, "vCod2DNColunas", true},
+                                              Setting{&cls_ParametroA::vCod2DNLinhas, "vCod2DNLinhas", true},
+                                              Setting{&cls_ParametroA::vCod2DPDFMode, "vCod2DPDFMode", true}}) {
+        const std::string& value = par.*member;
+        c.converts("/parametros/" + std::string(name), value, whole ? "a whole number" : "a number", [&] {
+            if (whole) text::require_int32(value);
+            else text::require_number(value);
+        });
     }
 
     const auto& lines = arrays.arrGuia;
