@@ -4,6 +4,8 @@
 
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
+#include "foundation/text.hpp"
+#include "nimbara/cls_ParametroA.hpp"
 #include "printing/barcode_payload.hpp"
 
 namespace nimbara::printing {
@@ -44,24 +46,45 @@ std::vector<PrintProblem> printing_problems(const GuiaArrays& arrays)
                [&] { text::require_cell_int32(cab.at(cab::N_Req, 0)); });
     c.converts("/cabecalho/cb_TipoAcesso", header(cab::TipoAcesso), "a number",
                [&] { text::require_cell_number(cab.at(cab::TipoAcesso, 0)); });
+    // The header and footer read these as they stand: the empty text is no number there.
     c.converts("/cabecalho/cb_Pagamento", header(cab::Pagamento), "a number",
-               [&] { text::require_cell_number(cab.at(cab::Pagamento, 0)); });
+               [&] { text::require_number(header(cab::Pagamento)); });
+    c.converts("/cabecalho/cb_CodContrato", header(cab::CodContrato), "a number",
+               [&] { text::require_number(header(cab::CodContrato)); });
+    const std::string jpp = text::to_upper(text::trim(header(cab::JppCredenciado)));
+    if (jpp != "TRUE" && jpp != "FALSE")
+        c.converts("/cabecalho/cb_JppCredenciado", header(cab::JppCredenciado), "True, False or a number",
+                   [&] { text::require_number(header(cab::JppCredenciado)); });
     for (const auto& f : kHeadFields) c.fits("/cabecalho/" + std::string(f.name), header(f.field), f.width);
     // The head's fields stand at fixed places after the Julian date, which goes in as it stands.
     if (chars::length(header(cab::Drqjul)) != 4)
         c.problems.push_back({"/cabecalho/cb_Drqjul", "\"" + header(cab::Drqjul) +
                                                           "\" is not 4 characters, as the barcode carries it"});
 
-    const auto& par = arrays.arrParametros;
-    const std::string copies(par.text(param::vGuiaNVias, 0));
-    c.converts("/parametros/vGuiaNVias", copies, "a whole number from 1 to 32767", [&] {
-        if (text::require_int16(copies) < 1) throw std::out_of_range("no copy");
+    // The settings as printing reads them: a Guia without parameters prints with the defaults.
+    cls_ParametroA par;
+    par.PreencheObjecto(arrays.arrParametros);
+    c.converts("/parametros/vGuiaNVias", par.vGuiaNVias, "a whole number from 1 to 32767", [&] {
+        if (text::require_int16(par.vGuiaNVias) < 1) throw std::out_of_range("no copy");
     });
-    for (const auto [field, name] : {std::pair{param::vGuiaMargensTopo, "vGuiaMargensTopo"},
-                                     std::pair{param::vGuiaMargensEsquerda, "vGuiaMargensEsquerda"}}) {
-        const std::string value(par.text(field, 0));
-        c.converts("/parametros/" + std::string(name), value, "a number of twips",
-                   [&] { text::require_number(value); });
+    struct Setting {
+        std::string cls_ParametroA::*member;
+        const char* name;
+        bool whole;
+    };
+    for (const auto& [member, name, whole] : {Setting{&cls_ParametroA::vGuiaMargensTopo, "vGuiaMargensTopo", false},
+                                              Setting{&cls_ParametroA::vGuiaMargensEsquerda, "vGuiaMargensEsquerda", false},
+                                              Setting{&cls_ParametroA::VCod2DFonteSize, "VCod2DFonteSize", false},
+                                              Setting{&cls_ParametroA::vCod2DRatio, "vCod2DRatio", false},
+                                              Setting{&cls_ParametroA::vCod2DErroLevel, "vCod2DErroLevel", true},
+                                              Setting{&cls_ParametroA::vCod2DNColunas, "vCod2DNColunas", true},
+                                              Setting{&cls_ParametroA::vCod2DNLinhas, "vCod2DNLinhas", true},
+                                              Setting{&cls_ParametroA::vCod2DPDFMode, "vCod2DPDFMode", true}}) {
+        const std::string& value = par.*member;
+        c.converts("/parametros/" + std::string(name), value, whole ? "a whole number" : "a number", [&] {
+            if (whole) text::require_int32(value);
+            else text::require_number(value);
+        });
     }
 
     const auto& lines = arrays.arrGuia;
@@ -70,6 +93,12 @@ std::vector<PrintProblem> printing_problems(const GuiaArrays& arrays)
         const std::string number(lines.text(guia::N_Linha, row));
         c.converts(at + "N_Linha", number, "a whole number of 32 bits",
                    [&] { text::require_cell_int32(lines.at(guia::N_Linha, row)); });
+        const std::string quantity(lines.text(guia::D_Quantidade, row));
+        if (!quantity.empty())
+            c.converts(at + "D_Quantidade", quantity, "a whole number of 32 bits", [&] { text::require_int32(quantity); });
+        // The row's right-hand columns depend on it: "0" when there is none.
+        const std::string weekly(lines.text(guia::TaxEsp_Quantidade, row));
+        c.converts(at + "TaxEsp_Quantidade", weekly, "a whole number of 16 bits", [&] { text::require_int16(weekly); });
         for (const auto& f : kItemFields) {
             const std::string value(lines.text(f.field, row));
             if (!f.digit) {
@@ -87,8 +116,12 @@ std::vector<PrintProblem> printing_problems(const GuiaArrays& arrays)
         const std::string at = "/servicos/" + std::to_string(row) + "/";
         c.fits(at + "CodServEsp", services.text(serv::CodServEsp, row), kServiceCodeWidth);
         c.fits(at + "Valor", services.text(serv::Valor, row), kServiceValueWidth);
-        c.converts(at + "Valor", services.text(serv::Valor, row), "a number",
-                   [&] { text::require_cell_number(services.at(serv::Valor, row)); });
+        c.converts(at + "Valor", services.text(serv::Valor, row), "a whole number of 32 bits",
+                   [&] { text::require_cell_int32(services.at(serv::Valor, row)); });
+        c.converts(at + "CodServEsp", services.text(serv::CodServEsp, row), "a whole number of 32 bits",
+                   [&] { text::require_cell_int32(services.at(serv::CodServEsp, row)); });
+        c.converts(at + "N_Linha", services.text(serv::N_Linha, row), "a whole number of 32 bits",
+                   [&] { text::require_cell_int32(services.at(serv::N_Linha, row)); });
     }
     return c.problems;
 }

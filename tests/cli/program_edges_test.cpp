@@ -177,3 +177,17 @@ TEST(ProgramEdges, StoppedPrintLeavesNoPartialFile)
         EXPECT_EQ(count(pdfs, ".nimbara-"), 0u) << "signal " << signal;
     }
 }
+
+// The README's own sample Guia prints whole.
+TEST(ProgramEdges, ReadmeSamplePrints)
+{
+    const std::string readme = nimbara::testing::read_file(fs::path(NIMBARA_SOURCE_DIR) / "README.md");
+    const auto from = readme.find("```json\n") + 8;
+    const std::string sample = readme.substr(from, readme.find("```", from) - from);
+    nimbara::testing::TempFolder folder;
+    const auto r = run("print - --report-dir " + folder.path().string() + " --print-log " +
+                           (folder.path() / "p.log").string(),
+                       sample);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(count(folder.path(), "Guia_2026-1_via1.pdf"), 1u);
+}

@@ -110,3 +110,17 @@ TEST(FacadeHosts, EachFacadeHasItsOwnNotifierLogAndPrinter)
         EXPECT_TRUE(pdfs[i][0].ends_with("%%EOF\n"));
     }
 }
+
+TEST(FacadeHosts, GuiaFilesRoundTripAndTablesRefuseCellsOutsideThem)
+{
+    auto guia = valid_guia();
+    guia.cabecalho.cb_Obs = "Entrega \"urgente\"\tà porta\nsegundo andar";
+    guia.produtos.push_back({.B_Produto = "C25", .PreTratamento = "0"});
+    EXPECT_EQ(nimbara::parse_guia_file(nimbara::write_guia_file(guia), "written"), guia);
+
+    nimbara::cab::Table header;
+    EXPECT_THROW(header.set(static_cast<nimbara::cab::Field>(22), 0, "x"), std::out_of_range);
+    EXPECT_THROW(header.set(nimbara::cab::Nome, -1, "x"), std::out_of_range);
+    EXPECT_TRUE(header.empty()) << "a refused write stores nothing";
+    EXPECT_EQ(header.at(nimbara::cab::Nome, 5), std::nullopt) << "reading past the rows is an empty cell";
+}
