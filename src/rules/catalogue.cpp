@@ -19,6 +19,12 @@ const PossibleValueTable& possible_value_table(std::string_view function)
     throw std::logic_error("catalogue has no possible-value rows for " + std::string(function));
 }
 
+const Designations& designations()
+{
+    static const Designations labels(generated::kDesignationsText);
+    return labels;
+}
+
 }  // namespace nimbara::rules
 
 namespace nimbara::GlobalXML {

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "rules/build/designations.hpp"
 #include "rules/build/possible_value_documents.hpp"
 #include "rules/build/rule_table.hpp"
 
@@ -54,5 +55,8 @@ std::span<const RepeatedRow> repeated_rows();
 // The rows of the possible-value document of a GetXMLPossibleValues_ function. Throws
 // std::logic_error for a name the catalogue lacks, which is a build fault.
 const PossibleValueTable& possible_value_table(std::string_view function);
+
+// The labels of the codes, by set, as data/designations.tsv gives them.
+const Designations& designations();
 
 }  // namespace nimbara::rules

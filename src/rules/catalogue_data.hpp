@@ -23,6 +23,7 @@ extern const RepeatedRow kRepeatedRows[];
 extern const std::size_t kRepeatedRowCount;
 extern const PossibleValueTable kPossibleValueTables[];
 extern const std::size_t kPossibleValueTableCount;
+extern const std::string_view kDesignationsText;  // data/designations.tsv as it stands
 }  // namespace generated
 
 }  // namespace nimbara::rules
