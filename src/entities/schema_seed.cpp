@@ -17,8 +17,8 @@ struct ReferenceSeed {
     const char* label_set;
 };
 
-// Each list holds the codes the rule table uses in its dimension, so that the listings, which join
-// every line to these lists, lose no line.
+// Each list holds "0" (the dimension does not apply) and the codes the rule table uses in its
+// dimension, so that the listings, which join every line to these lists, lose no line.
 constexpr ReferenceSeed kReferenceLists[] = {
     {"Tbl_A_ZonaTaxacao", Dimension::Zone, "Zones"},
     {"Tbl_B_Produto", std::nullopt, "Prod"},
@@ -57,7 +57,7 @@ constexpr int kFactoryColumns = 16, kFactoryRows = 0, kFactoryErrorLevel = 2, kF
 void seed_reference_lists(Database& db)
 {
     for (const auto& list : kReferenceLists) {
-        std::map<std::string, bool, std::less<>> codes;  // code -> used by an active rule
+        std::map<std::string, bool, std::less<>> codes = {{"0", true}};  // code -> used by an active rule
         for (const auto& rule : rules::rule_table()) {
             if (!rule.in_rule_list()) continue;
             const bool active = rule.listing == rules::Listing::Active;
