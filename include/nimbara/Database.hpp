@@ -81,8 +81,8 @@ private:
 };
 
 // One transaction, rolled back at destruction unless committed. Transactions nest: an inner one
-// joins the outer, and an inner one left uncommitted dooms the whole, so that a save of a Guia with
-// its lines either happens entirely or not at all.
+// joins the outer (its mode is that of the outer), and an inner one left uncommitted dooms the
+// whole, so that a save of a Guia with its lines either happens entirely or not at all.
 class NIMBARA_API Transaction {
 public:
     explicit Transaction(Database& db, TransactionMode mode = TransactionMode::Ordinary);

@@ -51,7 +51,7 @@ constexpr RuleDimensionSeed kRuleDimensions[] = {
 
 // The factory barcode settings: 16 data columns and rows as the data need, error level 2, plain
 // mode, rows three modules high ("PDF417c") at font size 3, which draws 0.25 mm modules: the common
-// minimum for counter scanners, and a symbol of about 85 mm that fits right of the form's header.
+// minimum for counter scanners, in a symbol about 85 mm wide, right-aligned at 261 mm on the page.
 constexpr int kFactoryColumns = 16, kFactoryRows = 0, kFactoryErrorLevel = 2, kFactoryRatio = 1, kFactoryFontSize = 3;
 
 void seed_reference_lists(Database& db)

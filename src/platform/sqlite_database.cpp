@@ -39,7 +39,7 @@ Declared declared_kind(const char* decltype_text)
 
 class SqliteDatabase final : public Database {
 public:
-    SqliteDatabase(sqlite3* db, std::filesystem::path file) : db_(db), file_(std::move(file)) {}
+    explicit SqliteDatabase(sqlite3* db) : db_(db) {}
 
     using Database::execute;
     using Database::open;
@@ -94,9 +94,11 @@ public:
 private:
     void begin(TransactionMode mode) override
     {
-        // IMMEDIATE takes the write lock at once, so two numbering transactions cannot both read
-        // the same maximum and then collide on the write.
-        execute(mode == TransactionMode::Numbering ? "BEGIN IMMEDIATE" : "BEGIN");
+        // Every transaction takes the write lock at once: two numbering transactions then cannot both
+        // read the same maximum, and two writers never deadlock on upgrading a read lock, which
+        // SQLite answers with an immediate failure instead of waiting.
+        (void)mode;
+        execute("BEGIN IMMEDIATE");
     }
     void commit() override { execute("COMMIT"); }
     void rollback() noexcept override { sqlite3_exec(db_.get(), "ROLLBACK", nullptr, nullptr, nullptr); }
@@ -174,7 +176,6 @@ private:
     }
 
     std::unique_ptr<sqlite3, CloseDb> db_;
-    std::filesystem::path file_;
 };
 
 }  // namespace
@@ -203,7 +204,7 @@ std::shared_ptr<Database> open_sqlite(const std::filesystem::path& file, OpenMod
         sqlite3_free(message);
         throw DatabaseError("cannot use " + name + ": " + why);
     }
-    return std::make_shared<SqliteDatabase>(db.release(), file);
+    return std::make_shared<SqliteDatabase>(db.release());
 }
 
 }  // namespace nimbara::platform

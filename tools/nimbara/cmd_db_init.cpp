@@ -6,18 +6,13 @@
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "nimbara/Schema.hpp"
-#include "nimbara/mdl_Biz.hpp"
 
 namespace nimbara::cli {
 namespace {
 
 int init(const std::string& conn_option)
 {
-    std::string conn = conn_option;
-    if (conn.empty()) {
-        if (!Le_Ini()) throw CommandError("no database: give --db, or a Conn in Zartel_Nimbara.Ini in the working directory");
-        conn = gConnString;
-    }
+    const std::string conn = command_connection(conn_option);
     // A file this command creates is removed again if the creation fails, so nothing half-made stays.
     const auto file = SqliteFileOf(conn);
     std::error_code ec;

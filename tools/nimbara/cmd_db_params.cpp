@@ -60,7 +60,7 @@ void register_db_params(CLI::App& db, int& status)
     set_cmd->add_option("ASSIGNMENT", o->assignments, "NAME=VALUE, NAME one of the names `params` prints")->required();
     add_db_option(*set_cmd, o->conn);
     set_cmd->callback([o, &status] { status = run_db_command("params set", std::cerr, [&] { return set(*o); }); });
-    cmd->callback([cmd, set_cmd, o, &status] {
+    cmd->callback([set_cmd, o, &status] {
         if (set_cmd->parsed()) return;
         status = run_db_command("params", std::cerr, [&] { return show(*o); });
     });

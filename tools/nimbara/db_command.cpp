@@ -2,7 +2,6 @@
 
 #include <ostream>
 
-#include "nimbara/Schema.hpp"
 #include "nimbara/mdl_Biz.hpp"
 
 namespace nimbara::cli {
@@ -14,13 +13,18 @@ void add_db_option(CLI::App& cmd, std::string& conn)
                    "(default: Conn of Zartel_Nimbara.Ini in the working directory)");
 }
 
-std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode)
+std::string command_connection(const std::string& conn)
 {
-    if (!conn.empty()) return OpenDatabase(conn, mode);
+    if (!conn.empty()) return conn;
     if (!Le_Ini())
         throw CommandError("no database: give --db, or a Conn in section [Nimbarauto] of Zartel_Nimbara.Ini "
                            "in the working directory");
-    return OpenDatabase(gConnString, mode);
+    return gConnString;
+}
+
+std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode)
+{
+    return OpenDatabase(command_connection(conn), mode);
 }
 
 int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body)

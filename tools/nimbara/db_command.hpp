@@ -22,6 +22,9 @@ public:
 // Adds --db to a db command; the string stays empty when the option is not given.
 void add_db_option(CLI::App& cmd, std::string& conn);
 
+// The connection string of --db, or Conn of the ini file when `conn` is empty.
+std::string command_connection(const std::string& conn);
+
 // The database of --db, or of the ini file when `conn` is empty.
 std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode = OpenMode::Existing);
 
