@@ -169,7 +169,7 @@ TEST(OpenDatabase, TakesEveryFormOfAFileName)
     nimbara::testing::TempFolder folder("open-forms");
     const std::string file = (folder.path() / "g.db").string();
     OpenDatabase("sqlite:" + file, OpenMode::Create)->execute("CREATE TABLE T (N INTEGER)");
-    for (const std::string conn : {"sqlite:" + file, "  sqlite: " + file + " ",
+    for (const auto& conn : {"sqlite:" + file, "  sqlite: " + file + " ",
                                    "Provider=Microsoft.Jet.OLEDB.4.0;Data Source = " + file,
                                    "provider=microsoft.jet.oledb.4.0; data source=" + file + ";Persist Security Info=False"})
         EXPECT_TRUE(OpenDatabase(conn)->has_table("t")) << conn;
