@@ -36,9 +36,9 @@ TEST_P(ParametroTest, ASaveRewritesEveryRow)
     cls_Parametro(db).DoSave();
     cls_Parametro(db).DoSave();
     EXPECT_EQ(rows(), 1) << "the second save updates";
-    db->execute("INSERT INTO Tbl_Parametro (GuiaNVias, CodTerceiro) VALUES ('7', NULL)");
+    db->execute("INSERT INTO Tbl_Parametro SELECT * FROM Tbl_Parametro");
     cls_Parametro p(db);
-    p.vGuiaNVias = "4";
+    p.vGuiaNVias = std::to_string(4);
     p.DoSave();
     Recordset all;
     p.SelectAll(all);
