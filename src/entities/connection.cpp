@@ -93,5 +93,12 @@ Database& require(const std::shared_ptr<Database>& conn)
     return *conn;
 }
 
+Timestamp today()
+{
+    Timestamp t = Timestamp::now();
+    t.hour = t.minute = t.second = 0;
+    return t;
+}
+
 }  // namespace entities
 }  // namespace nimbara

@@ -15,4 +15,22 @@ std::shared_ptr<Database> connection_from_ini();
 // without a connection failed.
 Database& require(const std::shared_ptr<Database>& conn);
 
+// Runs a write the way the entity operations that answer 0 do: a failure is kept in `last_error`
+// (and the write's transaction has rolled back); success empties it. Answers whether it succeeded.
+template <class F>
+bool keep_failure(std::string& last_error, F&& write)
+{
+    try {
+        write();
+        last_error.clear();
+        return true;
+    } catch (const std::exception& e) {
+        last_error = e.what();
+        return false;
+    }
+}
+
+// Today at midnight by the host's clock.
+Timestamp today();
+
 }  // namespace nimbara::entities
