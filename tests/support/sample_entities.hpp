@@ -20,11 +20,13 @@ inline void store_client(const std::shared_ptr<Database>& db, int id, const std:
     c.DoSave();
 }
 
-// A new Guia of client `id` with `lines` lines of `services` services each.
+// A new Guia of client `id` with `lines` lines of `services` services each; the lines take the
+// number `n_req` when they are added, as a host's lines do.
 inline std::unique_ptr<cls_Guia_Cabecalho> new_guia(const std::shared_ptr<Database>& db, int id, int lines = 2,
-                                                    int services = 1)
+                                                    int services = 1, std::int32_t n_req = 0)
 {
     auto g = std::make_unique<cls_Guia_Cabecalho>(db);
+    g->vNReq = n_req;
     g->iId_Cliente = id;
     g->vCodCliente = std::to_string(1000 + id);
     g->vCodContrato = "1";
