@@ -6,7 +6,7 @@
 #include <string>
 
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 #include "support/sample_guia.hpp"
 
 namespace {
@@ -15,9 +15,9 @@ namespace {
 void BM_EmptyFormPdf(benchmark::State& state)
 {
     const auto pdf = std::filesystem::temp_directory_path() / ("nimbara-bench-" + std::to_string(::getpid()) + ".pdf");
-    nimbara::platform::PdfSurface surface([&](int) { return pdf; });
-    surface.setOrientation(2);
-    surface.setPaperSize(9);
+    nimbara::PdfSurface surface([&](int, int) { return pdf; });
+    surface.setOrientation(nimbara::printer::kLandscape);
+    surface.setPaperSize(nimbara::printer::kPaperA4);
     nimbara::cls_ImpressaoA printer;
     const auto& form = nimbara::form_impressao();
     const auto pages = state.range(0);
@@ -27,6 +27,7 @@ void BM_EmptyFormPdf(benchmark::State& state)
             printer.PrintTestPage(surface, form, 0, "2024-03-15");
         }
         surface.EndDoc();
+        std::filesystem::remove(pdf);  // a job's file never replaces another
     }
     state.SetItemsProcessed(state.iterations() * pages);
     state.counters["pages/s"] = benchmark::Counter(static_cast<double>(state.iterations() * pages), benchmark::Counter::kIsRate);
@@ -42,17 +43,18 @@ void BM_PrintGuiaPdf(benchmark::State& state)
     for (int line = 1; line <= 12; ++line) nimbara::testing::add_line(guia, {.quantity = std::to_string(100 * line), .campaign = {}});
     for (int line : {1, 4, 7}) nimbara::testing::add_service(guia, line, "6", "0");
     for (int line : {2, 5, 8, 11}) nimbara::testing::add_service(guia, line, "4", "1250");
-    nimbara::platform::PdfSurface surface([&](int) { return pdf; });
+    nimbara::PdfSurface surface([&](int, int) { return pdf; });
     const auto& form = nimbara::form_impressao();
     const auto heap_before = ::mallinfo2().uordblks;
     std::size_t heap_peak = 0;
     for (auto _ : state) {
         nimbara::cls_ImpressaoA printer;
         printer.arrays = guia;
-        surface.setOrientation(2);
-        surface.setPaperSize(9);
+        surface.setOrientation(nimbara::printer::kLandscape);
+        surface.setPaperSize(nimbara::printer::kPaperA4);
         printer.Imprime_Parte_Variavel("", 1027, 0, surface, form, 0, 0, 0, "2025-05-03", "2025/1027");
         heap_peak = std::max(heap_peak, ::mallinfo2().uordblks);
+        std::filesystem::remove(pdf);
     }
     if (surface.page_count() != 1) state.SkipWithError("the Guia did not print on one page");
     state.SetItemsProcessed(state.iterations());

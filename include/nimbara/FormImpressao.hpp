@@ -5,6 +5,7 @@
 #include <string>
 
 #include "nimbara/PageSurface.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
@@ -37,6 +38,6 @@ struct FormImpressao {
 inline constexpr int kPictureOversample = 4;
 
 // The form with every picture drawn; made once, on first use, and shared.
-const FormImpressao& form_impressao();
+NIMBARA_API const FormImpressao& form_impressao();
 
 }  // namespace nimbara

@@ -4,51 +4,46 @@
 #include <optional>
 #include <string_view>
 #include <vector>
-
-#include "nimbara/guia_arrays.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara::GlobalXML {
 
-std::string_view getXML_getIDCodValidacao();
-std::string_view getXML_DoValPeso();
-std::string_view getXML_DoValZonaTaxacao();
-std::string_view getXML_DoValVelocidade();
-std::string_view getXML_DoValFormato();
-std::string_view getXML_DoValPreTratamento();
-std::string_view getXML_DoValDesconto();
-std::string_view getXML_DoValAmbitoDist();
-std::string_view getXML_DoValEntrega_Sampling();
-std::string_view getXML_DoValServEsp();
+NIMBARA_API std::string_view getXML_getIDCodValidacao();
+NIMBARA_API std::string_view getXML_DoValPeso();
+NIMBARA_API std::string_view getXML_DoValZonaTaxacao();
+NIMBARA_API std::string_view getXML_DoValVelocidade();
+NIMBARA_API std::string_view getXML_DoValFormato();
+NIMBARA_API std::string_view getXML_DoValPreTratamento();
+NIMBARA_API std::string_view getXML_DoValDesconto();
+NIMBARA_API std::string_view getXML_DoValAmbitoDist();
+NIMBARA_API std::string_view getXML_DoValEntrega_Sampling();
+NIMBARA_API std::string_view getXML_DoValServEsp();
 
 // Lists of values: the codes and labels of a dimension, in mixed case.
-std::string_view getXML_ProdutoLOV();
-std::string_view getXML_VelocidadeLOV();
-std::string_view getXML_FormatoLOV();
-std::string_view getXML_DescontosLOV();
-std::string_view getXML_SEspeciaisLOV();
-std::string_view getXML_EntregaSamplingLOV();
-std::string_view getXML_AmbitoDistribuicaoLOV();
-std::string_view getXML_ZonaTaxacaoLOV();
+NIMBARA_API std::string_view getXML_ProdutoLOV();
+NIMBARA_API std::string_view getXML_VelocidadeLOV();
+NIMBARA_API std::string_view getXML_FormatoLOV();
+NIMBARA_API std::string_view getXML_DescontosLOV();
+NIMBARA_API std::string_view getXML_SEspeciaisLOV();
+NIMBARA_API std::string_view getXML_EntregaSamplingLOV();
+NIMBARA_API std::string_view getXML_AmbitoDistribuicaoLOV();
+NIMBARA_API std::string_view getXML_ZonaTaxacaoLOV();
 
 // Possible-value documents: the rule set flattened for saying what would have been accepted.
-std::string_view GetXMLPossibleValues_ZonaTaxacao();
-std::string_view GetXMLPossibleValues_Peso();
-std::string_view GetXMLPossibleValues_Velocidade();
-std::string_view GetXMLPossibleValues_Formato();
-std::string_view GetXMLPossibleValues_PreTratamento();
-std::string_view GetXMLPossibleValues_Desconto();
-std::string_view GetXMLPossibleValues_AmbitoDistribuicao();
-std::string_view GetXMLPossibleValues_EntregaSampling();
-std::string_view GetXMLPossibleValues_ServicosEspeciais();
+NIMBARA_API std::string_view GetXMLPossibleValues_ZonaTaxacao();
+NIMBARA_API std::string_view GetXMLPossibleValues_Peso();
+NIMBARA_API std::string_view GetXMLPossibleValues_Velocidade();
+NIMBARA_API std::string_view GetXMLPossibleValues_Formato();
+NIMBARA_API std::string_view GetXMLPossibleValues_PreTratamento();
+NIMBARA_API std::string_view GetXMLPossibleValues_Desconto();
+NIMBARA_API std::string_view GetXMLPossibleValues_AmbitoDistribuicao();
+NIMBARA_API std::string_view GetXMLPossibleValues_EntregaSampling();
+NIMBARA_API std::string_view GetXMLPossibleValues_ServicosEspeciais();
 
 // A document by its function's name, or nothing for an unknown name.
-std::optional<std::string_view> document(std::string_view function_name);
+NIMBARA_API std::optional<std::string_view> document(std::string_view function_name);
 
 // Every document's function name, in catalogue order.
-std::vector<std::string_view> document_names();
-
-// The special services of one line: the rows of arrServEsp whose line number equals `lngLinha`, in
-// table order, as a new three-field table; no row at all when the line has none.
-FieldTable getArrServEspByLinha(const FieldTable& arrServEsp, std::int32_t lngLinha);
+NIMBARA_API std::vector<std::string_view> document_names();
 
 }  // namespace nimbara::GlobalXML

@@ -9,9 +9,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "nimbara/FormImpressao.hpp"
+#include "nimbara/Notifier.hpp"
 #include "nimbara/PageSurface.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
@@ -23,7 +26,7 @@ enum class Edition {
 // One millimetre of the page in twips, formed as the program always formed it.
 inline constexpr double kTwipsPerMm = 567.0 / 10.0;
 
-class ImpressaoComum {
+class NIMBARA_API ImpressaoComum {
 public:
     // A slice of the remarks: its first character (from 1) and its length.
     struct Slice {
@@ -80,6 +83,10 @@ public:
     // Where WriteLog writes: by default beside the component, named after it.
     const std::filesystem::path& log_path() const { return log_path_; }
     void set_log_path(std::filesystem::path path) { log_path_ = std::move(path); }
+    // Where this object's messages go; by default the process-wide notifier. The host keeps it alive.
+    void set_notifier(Notifier* host) { notifier_ = host; }
+    // Every entry this object has logged, in order, whether or not the log could be written.
+    const std::vector<std::string>& log_entries() const { return log_entries_; }
 
     Edition edition() const { return edition_; }
 
@@ -132,6 +139,8 @@ private:
 
     Edition edition_;
     std::filesystem::path log_path_;
+    Notifier* notifier_ = nullptr;
+    std::vector<std::string> log_entries_;
 };
 
 }  // namespace nimbara

@@ -2,12 +2,13 @@
 // What the component would have shown in message boxes, the hourglass and progress bars goes to a
 // notifier the host may set. Nothing here waits for a user.
 #include <string_view>
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
 enum class MessageIcon { None, Critical, Question, Exclamation, Information };
 
-class Notifier {
+class NIMBARA_API Notifier {
 public:
     virtual ~Notifier() = default;
     // A message box's content; an empty title stands for the default title.
@@ -17,10 +18,10 @@ public:
 };
 
 // The notifier in force. The default writes messages to standard error and ignores the rest.
-Notifier& notifier();
+NIMBARA_API Notifier& notifier();
 
 // Makes `host` the notifier in force; nullptr goes back to the default. The host keeps it alive
 // for as long as it is set.
-void set_notifier(Notifier* host);
+NIMBARA_API void set_notifier(Notifier* host);
 
 }  // namespace nimbara

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
@@ -37,13 +38,32 @@ struct ModuleMatrix {
 };
 
 // Colours are 24-bit values in the Windows byte order (0x00BBGGRR).
+// The printer object's codes, by name.
+namespace printer {
+inline constexpr int kScaleTwips = 1;
+inline constexpr int kPortrait = 1;
+inline constexpr int kLandscape = 2;
+inline constexpr int kPaperA4 = 9;
+inline constexpr int kFillSolid = 0;
+inline constexpr int kFillTransparent = 1;
+inline constexpr int kFillHorizontalLine = 2;
+inline constexpr int kFillVerticalLine = 3;
+inline constexpr int kFillUpwardDiagonal = 4;
+inline constexpr int kFillDownwardDiagonal = 5;
+inline constexpr int kFillCross = 6;
+inline constexpr int kFillDiagonalCross = 7;
+inline constexpr int kDrawMaskPen = 9;
+inline constexpr int kDrawCopyPen = 13;
+inline constexpr int kLineBox = 20;  // Line draws the rectangle of its two corners
+}  // namespace printer
+
 using Colour = std::int32_t;
 inline constexpr Colour kBlack = 0;
 inline constexpr Colour kPanelGrey = 14013909;  // 0xD5D5D5
 
 // Surface operations report a failure by throwing std::exception; the printing routines catch it,
 // log it and go on, so a page with faults still comes out.
-class PageSurface {
+class NIMBARA_API PageSurface {
 public:
     virtual ~PageSurface() = default;
 

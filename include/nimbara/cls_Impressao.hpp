@@ -4,10 +4,11 @@
 #include <string>
 
 #include "nimbara/ImpressaoComum.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
-class cls_Impressao : public ImpressaoComum {
+class NIMBARA_API cls_Impressao : public ImpressaoComum {
 public:
     cls_Impressao() : ImpressaoComum(Edition::Database) {}
 

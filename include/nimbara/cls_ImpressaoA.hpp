@@ -6,10 +6,11 @@
 
 #include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/guia_arrays.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
-class cls_ImpressaoA : public ImpressaoComum {
+class NIMBARA_API cls_ImpressaoA : public ImpressaoComum {
 public:
     cls_ImpressaoA() : ImpressaoComum(Edition::Array) {}
 
@@ -50,7 +51,7 @@ public:
                                     const ServiceSlots* Array_valorEsp = nullptr);
 
     // How many of a line's services (as getArrServEspByLinha gives them) carry a value above 0.
-    static std::int16_t CountSEspeciaisComValor(const FieldTable& myArray);
+    static std::int16_t CountSEspeciaisComValor(const serv::Table& myArray);
 
     // ---- Barcode ---------------------------------------------------------------------------------
 

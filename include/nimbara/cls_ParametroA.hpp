@@ -6,18 +6,19 @@
 #include <string>
 
 #include "nimbara/guia_arrays.hpp"
+#include "nimbara/export.hpp"
 
 namespace nimbara {
 
 // A parameter check that failed: the application error number and the message for the user.
-class ParametroError : public std::runtime_error {
+class NIMBARA_API ParametroError : public std::runtime_error {
 public:
     static constexpr std::int32_t kNumber = static_cast<std::int32_t>(0x80040201u);
     explicit ParametroError(const std::string& description) : std::runtime_error(description) {}
     std::int32_t number() const { return kNumber; }
 };
 
-class cls_ParametroA {
+class NIMBARA_API cls_ParametroA {
 public:
     std::string VCod2DFonteSize;
     std::string vCod2DRatio;
@@ -34,7 +35,7 @@ public:
 
     // Takes the first row of the table (an empty cell becomes the empty text); a table never filled
     // gives the defaults. Nothing is checked here.
-    void PreencheObjecto(const FieldTable& arrParametros);
+    void PreencheObjecto(const param::Table& arrParametros);
 
     // The copy count at least 1, at most 32 columns, an error level of 1 to 8, in that order; the
     // first that fails throws ParametroError, and a value that is no number throws

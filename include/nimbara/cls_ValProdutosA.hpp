@@ -7,19 +7,58 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "nimbara/FormImpressao.hpp"
+#include "nimbara/Notifier.hpp"
+#include "nimbara/export.hpp"
+#include "nimbara/guia_fields.hpp"
 #include "nimbara/PageSurface.hpp"
 #include "nimbara/error_array.hpp"
 #include "nimbara/guia_arrays.hpp"
 
 namespace nimbara {
 
-class cls_ValProdutosA {
+// Why an operation failed: the operation (or routine) and the cause in words.
+struct Failure {
+    std::string where;
+    std::string cause;
+    friend bool operator==(const Failure&, const Failure&) = default;
+};
+
+// A line that failed validation: its row in the order of filling (from 0), its N_Linha, its error.
+struct LineError {
+    int row = 0;
+    std::string N_Linha;
+    ErrorArray error;
+    friend bool operator==(const LineError&, const LineError&) = default;
+};
+
+// What ImprimeGuia did, for hosts that want more than its answer.
+struct GuiaOutcome {
+    bool validated = false;  // false when only printing was asked for
+    bool errors = false;     // a line or a rule of the whole Guia failed
+    std::vector<LineError> line_errors;  // as the report lists them
+    ValidationResult guia_error;         // a rule of the whole Guia, judged when every line passed
+    std::optional<std::filesystem::path> report;  // the report file, when one was written
+    std::vector<std::filesystem::path> printed;   // the files the default printer finished, in order
+    int copies = 0;                               // the copies the print run set out to make
+    // What ended the call before its end; the answer is then the fixed failure answer.
+    std::optional<Failure> failure;
+    // What the print run logged as failed: a copy or a page that did not come out whole. The
+    // answer does not show it, as it never did.
+    std::vector<std::string> print_failures;
+};
+
+// ImprimeGuia's answer for an outcome: <LIST><ITEM><ERRO_ID>0 or -1</ERRO_ID><LOG_FILE>path</LOG_FILE>
+// </ITEM></LIST>, or the fixed failure answer after a failure.
+NIMBARA_API std::string guia_answer(const GuiaOutcome& outcome);
+
+class NIMBARA_API cls_ValProdutosA {
 public:
     // Judges one product line: nothing when exactly one active rule of the product accepts every
     // value and the special services pass, else the first error met in the fixed order of checks.
-    ValidationResult DoValidaProduto(std::string_view strIdProduto, std::string_view strCodZtaxacao,
+    [[nodiscard]] ValidationResult DoValidaProduto(std::string_view strIdProduto, std::string_view strCodZtaxacao,
                                      std::int32_t lngPeso, std::string_view strVelocidade,
                                      std::string_view strFormato, std::string_view bolPreTratamento,
                                      std::string_view strDesconto, std::string_view strCodAmbitoDist,
@@ -45,7 +84,7 @@ public:
 
     // Writes row 0 of the header: a second call overwrites the fields it is given and keeps those
     // for which it gets the empty text. Answers 0, or -1 after a failure.
-    std::int32_t PreencheCabecalho(std::string_view cb_N_Req, std::string_view cb_CodTerceiro,
+    [[nodiscard]] std::int32_t PreencheCabecalho(std::string_view cb_N_Req, std::string_view cb_CodTerceiro,
                                    std::string_view cb_CodCliente, std::string_view cb_CodContrato,
                                    std::string_view cb_CodCredencial, std::string_view cb_Nome,
                                    std::string_view cb_NContribuinte, std::string_view cb_Morada,
@@ -59,7 +98,7 @@ public:
     // Adds one product line. A pre-treatment of 0 is stored as an empty cell, except on products of
     // the P family in zone "01", which always carry "0"; a pre-treatment that is no number (the empty
     // text among them) drops the line and answers -1.
-    FillAnswer PreencheProduto(std::string_view A_Zona_Taxacao, std::string_view B_Produto,
+    [[nodiscard]] FillAnswer PreencheProduto(std::string_view A_Zona_Taxacao, std::string_view B_Produto,
                                std::string_view E_Velocidade, std::string_view D_Quantidade,
                                std::string_view N_Linha, std::string_view ListaServesp,
                                std::string_view CodAmbitoDist, std::string_view Escalao, std::string_view Formato,
@@ -70,31 +109,48 @@ public:
                                std::string_view N_Req, std::string_view caracte, std::string_view refClie);
 
     // Adds one special service of a line; nothing checks that the line exists.
-    FillAnswer PreencheServico(std::string_view N_Linha, std::string_view CodServEsp, std::string_view Valor);
+    [[nodiscard]] FillAnswer PreencheServico(std::string_view N_Linha, std::string_view CodServEsp, std::string_view Valor);
 
     // Adds one row of print and barcode parameters; readers use the first row only.
-    FillAnswer PreencheParametros(std::string_view VCod2DFonteSize, std::string_view vCod2DRatio,
+    [[nodiscard]] FillAnswer PreencheParametros(std::string_view VCod2DFonteSize, std::string_view vCod2DRatio,
                                   std::string_view vCod2DNColunas, std::string_view vCod2DNLinhas,
                                   std::string_view vCod2DErroLevel, std::string_view vCod2DPDFMode,
                                   std::string_view VCod2DTruncatedRuncated, std::string_view vCod2DApplyTilde,
                                   std::string_view vGuiaNVias, std::string_view vGuiaMargensTopo,
                                   std::string_view vGuiaMargensEsquerda, std::string_view vCodTerceiro);
 
-    const FieldTable& arrCabecalho() const { return arrays_.arrCabecalho; }
-    const FieldTable& arrGuia() const { return arrays_.arrGuia; }
-    const FieldTable& arrServEsp() const { return arrays_.arrServEsp; }
-    const FieldTable& arrParametros() const { return arrays_.arrParametros; }
+    // The same calls with named fields.
+    [[nodiscard]] std::int32_t PreencheCabecalho(const GuiaCabecalho& fields);
+    [[nodiscard]] FillAnswer PreencheProduto(const GuiaProduto& fields);
+    [[nodiscard]] FillAnswer PreencheServico(const GuiaServico& fields);
+    [[nodiscard]] FillAnswer PreencheParametros(const GuiaParametros& fields);
+
+    // Why the last fill operation answered -1; nothing after one that succeeded.
+    const std::optional<Failure>& LastError() const { return last_error_; }
+
+    const cab::Table& arrCabecalho() const { return arrays_.arrCabecalho; }
+    const guia::Table& arrGuia() const { return arrays_.arrGuia; }
+    const serv::Table& arrServEsp() const { return arrays_.arrServEsp; }
+    const param::Table& arrParametros() const { return arrays_.arrParametros; }
     const GuiaArrays& arrays() const { return arrays_; }
 
     // ---- Whole Guia, report and answer ---------------------------------------------------------
 
     // The rules that span lines (minimum quantities, inserts, access type), over the held Guia.
-    ValidationResult DoValidaGuia() const;
+    [[nodiscard]] ValidationResult DoValidaGuia() const;
 
     // Validates every line, then (when no line failed) the Guia, writes the report into the report
     // folder and answers <LIST><ITEM><ERRO_ID>0 or -1</ERRO_ID><LOG_FILE>path</LOG_FILE></ITEM></LIST>.
     // With boolOnlyPrinter the Guia is neither validated nor reported, only printed.
-    std::string ImprimeGuia(bool boolOnlyPrinter);
+    [[nodiscard]] std::string ImprimeGuia(bool boolOnlyPrinter);
+
+    // What would keep the held Guia from printing whole, found before anything is drawn: each
+    // problem's place is the fill argument and its row ("/produtos/2/Escalao"). Printing does not
+    // ask: a Guia with problems prints what it can and logs the rest, as it always did.
+    [[nodiscard]] std::vector<Failure> PrintProblems() const;
+
+    // Does what ImprimeGuia does and tells what happened; ImprimeGuia's answer is built from it.
+    [[nodiscard]] GuiaOutcome ImprimeGuiaOutcome(bool boolOnlyPrinter);
 
     // Where reports are written; by default the component's own folder.
     void setReportFolder(std::filesystem::path folder) { report_folder_ = std::move(folder); }
@@ -122,6 +178,9 @@ public:
     std::filesystem::path printFolder() const;
     // Where printing failures are logged; by default the log beside the component.
     void setPrintLog(std::filesystem::path log) { print_log_ = std::move(log); }
+    // Where this object's print run sends its messages; by default the process-wide notifier. The
+    // host keeps the notifier alive while it is set.
+    void setNotifier(Notifier* host) { notifier_ = host; }
 
 private:
     GuiaArrays arrays_;
@@ -130,6 +189,11 @@ private:
     std::shared_ptr<PageSurface> printer_;
     std::optional<std::filesystem::path> print_folder_;
     std::optional<std::filesystem::path> print_log_;
+    Notifier* notifier_ = nullptr;
+    std::optional<Failure> last_error_;
+    std::optional<Failure> print_failure_;
+    std::vector<std::string> print_log_entries_;
+    int copies_asked_ = 0;
 };
 
 }  // namespace nimbara

@@ -1,12 +1,14 @@
 // Finishing a held Guia: validation, the report file, printing when all is well, and the answer.
 #include <exception>
+#include <system_error>
 
-#include "document/pdf_printer.hpp"
 #include "document/validation_report.hpp"
 #include "foundation/component.hpp"
-#include "foundation/file_names.hpp"
+#include "nimbara/GlobalFrameWork.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/pdf_printer.hpp"
+#include "printing/printable.hpp"
 #include "validation/guia_rules.hpp"
 
 namespace nimbara {
@@ -40,39 +42,70 @@ std::filesystem::path cls_ValProdutosA::reportFolder() const
 
 std::filesystem::path cls_ValProdutosA::printFolder() const { return print_folder_ ? *print_folder_ : reportFolder(); }
 
-std::string cls_ValProdutosA::ImprimeGuia(bool boolOnlyPrinter)
+std::vector<Failure> cls_ValProdutosA::PrintProblems() const
 {
+    std::vector<Failure> out;
+    for (auto& p : printing::printing_problems(arrays_)) out.push_back({std::move(p.place), std::move(p.what)});
+    return out;
+}
+
+GuiaOutcome cls_ValProdutosA::ImprimeGuiaOutcome(bool boolOnlyPrinter)
+{
+    GuiaOutcome outcome;
+    outcome.validated = !boolOnlyPrinter;
+    print_failure_.reset();
+    print_log_entries_.clear();
+    copies_asked_ = 0;
     try {
-        bool errors = false;
         std::string log;
         if (!arrays_.arrGuia.empty() && !boolOnlyPrinter) {
             document::ValidationReport report = document::build_validation_report(arrays_);
-            errors = report.errors;
+            outcome.errors = report.errors;
+            outcome.line_errors = std::move(report.line_errors);
+            outcome.guia_error = std::move(report.guia_error);
             log = std::move(report.text);
         }
 
-        if (!errors && printing_enabled_ && !arrays_.arrGuia.empty() && !arrays_.arrCabecalho.empty()) {
-            const FieldTable& cab = arrays_.arrCabecalho;
-            const std::int32_t NReq = text::require_cell_int32(cab.at(cab::N_Req, 0));
+        const bool printing = !outcome.errors && printing_enabled_ && !arrays_.arrGuia.empty() &&
+                              !arrays_.arrCabecalho.empty();
+        // The request number is read before the report is written, so that a Guia that cannot be
+        // printed for it leaves no report behind its failure answer.
+        std::int32_t NReq = 0;
+        if (printing) NReq = text::require_cell_int32(arrays_.arrCabecalho.at(cab::N_Req, 0));
+
+        // The report is written whenever validation was asked for, even when it holds no text, and
+        // before printing, so that a report that cannot be written stops the Guia unprinted.
+        if (!boolOnlyPrinter) outcome.report = GlobalFrameWork::WriteUniqueReport(reportFolder(), log);
+
+        if (printing) {
+            const cab::Table& cab = arrays_.arrCabecalho;
             const std::string dtRequisicao(cab.text(cab::DataRequisicao, 0)), NDoc(cab.text(cab::NDoc, 0));
             std::shared_ptr<PageSurface> printer = printer_;
-            if (!printer)
-                printer = document::make_pdf_printer(printFolder(), NDoc.empty() ? std::to_string(NReq) : NDoc);
+            std::shared_ptr<PdfSurface> pdf_printer;
+            if (!printer) {
+                pdf_printer = make_pdf_printer(printFolder(), NDoc.empty() ? std::to_string(NReq) : NDoc);
+                printer = pdf_printer;
+            }
             std::int32_t DuplOrig = 0;
             // It empties the tables after its run.
             Imprime_Guias(*printer, form_impressao(), "", NReq, 0, DuplOrig, dtRequisicao, NDoc);
+            if (pdf_printer) outcome.printed = pdf_printer->written();
+            outcome.copies = copies_asked_;
+            outcome.print_failures = print_log_entries_;
+            if (print_failure_) outcome.print_failures.push_back(print_failure_->where + ": " + print_failure_->cause);
         }
-
-        // The report is written whenever validation was asked for, even when it holds no text.
-        std::string log_file;
-        if (!boolOnlyPrinter) {
-            log_file = GlobalFrameWork::GetUniqueFileName(reportFolder().string());
-            GlobalFrameWork::EscreveFicheiro(log_file, log);
-        }
-        return answer(errors, log_file);
-    } catch (const std::exception&) {
-        return std::string(kFailureAnswer);
+    } catch (const std::exception& e) {
+        outcome.failure = Failure{"ImprimeGuia", e.what()};
     }
+    return outcome;
 }
+
+std::string guia_answer(const GuiaOutcome& outcome)
+{
+    if (outcome.failure) return std::string(kFailureAnswer);
+    return answer(outcome.errors, outcome.report ? outcome.report->string() : std::string());
+}
+
+std::string cls_ValProdutosA::ImprimeGuia(bool boolOnlyPrinter) { return guia_answer(ImprimeGuiaOutcome(boolOnlyPrinter)); }
 
 }  // namespace nimbara

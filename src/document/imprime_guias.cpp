@@ -18,29 +18,34 @@ void cls_ValProdutosA::Imprime_Guias(PageSurface& impr, const FormImpressao& myP
                                      std::int32_t NReq, std::int16_t Nvia, std::int32_t& DuplOrig,
                                      const std::string& dtRequisicao, const std::string& NGUIA_2)
 {
+    cls_ImpressaoA printer;
     try {
-        cls_ImpressaoA printer;
         printer.arrays = arrays_;
         if (print_log_) printer.set_log_path(*print_log_);
+        printer.set_notifier(notifier_);
         cls_ParametroA parametros;
         parametros.PreencheObjecto(arrays_.arrParametros);
         impr.setTrackDefault(false);
         const std::int16_t vias = text::require_int16(parametros.vGuiaNVias);
+        copies_asked_ = vias;
         for (std::int16_t via = 1; via <= vias; ++via) {
             const double left = twips_to_mm(parametros.vGuiaMargensEsquerda);
             const double top = twips_to_mm(parametros.vGuiaMargensTopo);
-            impr.setOrientation(2);
-            impr.setPaperSize(9);
+            impr.setOrientation(printer::kLandscape);
+            impr.setPaperSize(printer::kPaperA4);
             printer.Imprime_Parte_Variavel(CodCLiente, NReq, Nvia, impr, myPrintForm, top, left, DuplOrig,
                                            dtRequisicao, NGUIA_2);
             ++DuplOrig;
         }
         impr.setTrackDefault(true);
+        print_log_entries_ = printer.log_entries();
         arrays_.arrCabecalho.clear();
         arrays_.arrGuia.clear();
         arrays_.arrServEsp.clear();
         arrays_.arrParametros.clear();
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        print_log_entries_ = printer.log_entries();
+        print_failure_ = Failure{"Imprime_Guias", e.what()};
         // The parameters survive a failed run, so that the caller may print again with them.
         arrays_.arrGuia.clear();
         arrays_.arrCabecalho.clear();

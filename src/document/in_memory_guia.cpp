@@ -8,8 +8,9 @@
 namespace nimbara {
 namespace {
 
+template <class Field>
 struct FieldValue {
-    int field;
+    Field field;
     std::string_view value;
 };
 
@@ -22,7 +23,8 @@ std::string_view trim_blanks(std::string_view s)
 }
 
 // Stores each value in the given order; the empty text leaves its cell as it is.
-void store(FieldTable& table, int row, std::initializer_list<FieldValue> values)
+template <class Table>
+void store(Table& table, int row, std::initializer_list<FieldValue<typename Table::field_type>> values)
 {
     for (const auto& v : values)
         if (!v.value.empty()) table.set(v.field, row, std::string(trim_blanks(v.value)));
@@ -42,7 +44,7 @@ std::int32_t cls_ValProdutosA::PreencheCabecalho(
     std::string_view cb_NCompromisso, std::string_view cb_TipoAcesso)
 {
     try {
-        FieldTable& t = arrays_.arrCabecalho;
+        auto& t = arrays_.arrCabecalho;
         t.ensure_rows(2);  // the header always has its two rows, of which only the first is used
         store(t, 0,
               {{cab::N_Req, cb_N_Req},
@@ -65,8 +67,10 @@ std::int32_t cls_ValProdutosA::PreencheCabecalho(
                {cab::IDReqAnual, cb_IDReqAnual},
                {cab::NCompromisso, cb_NCompromisso},
                {cab::TipoAcesso, cb_TipoAcesso}});
+        last_error_.reset();
         return 0;
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        last_error_ = Failure{"PreencheCabecalho", e.what()};
         return kFailed;
     }
 }
@@ -84,12 +88,16 @@ cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheProduto(
         // The pre-treatment is settled before the table is touched, so a value that is no number
         // drops the whole line.
         const auto pre_treatment = text::to_number(PreTratamento);
-        if (!pre_treatment) return kFailed;
+        if (!pre_treatment) {
+            last_error_ = Failure{"PreencheProduto", "PreTratamento must be a number, found \"" +
+                                                         std::string(PreTratamento) + '"'};
+            return kFailed;
+        }
         if (*pre_treatment == 0) PreTratamento = {};
         // Network access lines in zone "01" always carry "0", whatever was given.
         if (B_Produto.starts_with('P') && A_Zona_Taxacao == "01") PreTratamento = "0";
 
-        FieldTable& t = arrays_.arrGuia;
+        auto& t = arrays_.arrGuia;
         const int row = t.add_row();
         // The speed is written twice, as it always was; field 5 is never written.
         store(t, row,
@@ -114,8 +122,10 @@ cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheProduto(
                {guia::DivisaoRemetente, DivisaoRemetente},
                {guia::caracte, caracte},
                {guia::refClie, refClie}});
+        last_error_.reset();
         return std::nullopt;
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        last_error_ = Failure{"PreencheProduto", e.what()};
         return kFailed;
     }
 }
@@ -124,10 +134,12 @@ cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheServico(std::string_view 
                                                                std::string_view Valor)
 {
     try {
-        FieldTable& t = arrays_.arrServEsp;
+        auto& t = arrays_.arrServEsp;
         store(t, t.add_row(), {{serv::N_Linha, N_Linha}, {serv::CodServEsp, CodServEsp}, {serv::Valor, Valor}});
+        last_error_.reset();
         return std::nullopt;
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        last_error_ = Failure{"PreencheServico", e.what()};
         return kFailed;
     }
 }
@@ -139,7 +151,7 @@ cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheParametros(
     std::string_view vGuiaMargensTopo, std::string_view vGuiaMargensEsquerda, std::string_view vCodTerceiro)
 {
     try {
-        FieldTable& t = arrays_.arrParametros;
+        auto& t = arrays_.arrParametros;
         store(t, t.add_row(),
               {{param::VCod2DFonteSize, VCod2DFonteSize},
                {param::vCod2DRatio, vCod2DRatio},
@@ -153,10 +165,41 @@ cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheParametros(
                {param::vGuiaMargensTopo, vGuiaMargensTopo},
                {param::vGuiaMargensEsquerda, vGuiaMargensEsquerda},
                {param::vCodTerceiro, vCodTerceiro}});
+        last_error_.reset();
         return std::nullopt;
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        last_error_ = Failure{"PreencheParametros", e.what()};
         return kFailed;
     }
+}
+
+// The named forms pass their fields on in argument order.
+std::int32_t cls_ValProdutosA::PreencheCabecalho(const GuiaCabecalho& f)
+{
+    return PreencheCabecalho(f.cb_N_Req, f.cb_CodTerceiro, f.cb_CodCliente, f.cb_CodContrato, f.cb_CodCredencial,
+                             f.cb_Nome, f.cb_NContribuinte, f.cb_Morada, f.cb_CodPostal, f.cb_DesigPostal, f.cb_Obs,
+                             f.cb_JppCredenciado, f.cb_Pagamento, f.cb_NCredencial, f.cb_Drqjul, f.cb_DataRequisicao,
+                             f.cb_NDoc, f.cb_IDReqAnual, f.cb_NCompromisso, f.cb_TipoAcesso);
+}
+
+cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheProduto(const GuiaProduto& f)
+{
+    return PreencheProduto(f.A_Zona_Taxacao, f.B_Produto, f.E_Velocidade, f.D_Quantidade, f.N_Linha, f.ListaServesp,
+                           f.CodAmbitoDist, f.Escalao, f.Formato, f.PreTratamento, f.Desconto, f.TaxEsp_Quantidade,
+                           f.TaxEsp_Semana, f.Entrega_Sampling, f.Vexora, f.DivisaoRemetente, f.CodigoCampanha,
+                           f.N_Req, f.caracte, f.refClie);
+}
+
+cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheServico(const GuiaServico& f)
+{
+    return PreencheServico(f.N_Linha, f.CodServEsp, f.Valor);
+}
+
+cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheParametros(const GuiaParametros& f)
+{
+    return PreencheParametros(f.VCod2DFonteSize, f.vCod2DRatio, f.vCod2DNColunas, f.vCod2DNLinhas, f.vCod2DErroLevel,
+                              f.vCod2DPDFMode, f.VCod2DTruncatedRuncated, f.vCod2DApplyTilde, f.vGuiaNVias,
+                              f.vGuiaMargensTopo, f.vGuiaMargensEsquerda, f.vCodTerceiro);
 }
 
 }  // namespace nimbara

@@ -1,10 +1,8 @@
-#include "document/pdf_printer.hpp"
+#include "nimbara/pdf_printer.hpp"
 
 #include <string>
 
-#include "platform/pdf_surface.hpp"
-
-namespace nimbara::document {
+namespace nimbara {
 namespace {
 
 bool plain(char c)
@@ -13,24 +11,27 @@ bool plain(char c)
            c == '.';
 }
 
+// Long enough for any document number a form shows, short enough for any file system's names.
+constexpr std::size_t kMaxIdLength = 100;
+
 }  // namespace
 
-std::filesystem::path pdf_file_name(const std::filesystem::path& folder, std::string_view guia_id, int copy)
+std::filesystem::path pdf_file_name(const std::filesystem::path& folder, std::string_view guia_id, int copy,
+                                    int attempt)
 {
     std::string id;
-    for (const char c : guia_id) id += plain(c) ? c : '-';
+    for (const char c : guia_id.substr(0, kMaxIdLength)) id += plain(c) ? c : '-';
     if (id.empty()) id = "sem-numero";
-    const std::string stem = "Guia_" + id + "_via" + std::to_string(copy);
-    auto path = folder / (stem + ".pdf");
-    std::error_code ec;
-    for (int n = 2; std::filesystem::exists(path, ec); ++n) path = folder / (stem + "-" + std::to_string(n) + ".pdf");
-    return path;
+    std::string stem = "Guia_" + id + "_via" + std::to_string(copy);
+    if (attempt > 1) stem += "-" + std::to_string(attempt);
+    return folder / (stem + ".pdf");
 }
 
-std::unique_ptr<PageSurface> make_pdf_printer(std::filesystem::path folder, std::string guia_id)
+std::unique_ptr<PdfSurface> make_pdf_printer(std::filesystem::path folder, std::string guia_id)
 {
-    return std::make_unique<platform::PdfSurface>(
-        [folder = std::move(folder), id = std::move(guia_id)](int job) { return pdf_file_name(folder, id, job); });
+    return std::make_unique<PdfSurface>([folder = std::move(folder), id = std::move(guia_id)](int job, int attempt) {
+        return pdf_file_name(folder, id, job, attempt);
+    });
 }
 
-}  // namespace nimbara::document
+}  // namespace nimbara

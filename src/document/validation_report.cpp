@@ -24,15 +24,15 @@ void add_line(std::string& out, std::string_view label, std::string_view value)
 // One row of arrGuia, read the way the report's calls read it.
 class Row {
 public:
-    Row(const FieldTable& lines, int row) : lines_(lines), row_(row) {}
+    Row(const guia::Table& lines, int row) : lines_(lines), row_(row) {}
 
-    std::string_view text(int field) const { return lines_.text(field, row_); }
+    std::string_view text(guia::Field field) const { return lines_.text(field, row_); }
 
     // A field passed as a 32-bit number: an empty cell is 0, text that is no number ends the report.
-    std::int32_t number(int field) const
+    std::int32_t number(guia::Field field) const
     {
         if (const auto value = cell_int32(lines_.at(field, row_))) return *value;
-        throw ReportFailure("line " + std::to_string(row_ + 1) + ": field " + std::to_string(field) + " (\"" +
+        throw ReportFailure("line " + std::to_string(row_ + 1) + ": field " + std::to_string(static_cast<int>(field)) + " (\"" +
                             std::string(text(field)) + "\") is no 32-bit number");
     }
 
@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    const FieldTable& lines_;
+    const guia::Table& lines_;
     int row_;
 };
 
@@ -174,8 +174,8 @@ void append_line_block(std::string& out, const Row& r, int row, const ErrorArray
 
 ValidationReport build_validation_report(const GuiaArrays& guia)
 {
-    const FieldTable& header = guia.arrCabecalho;
-    const FieldTable& lines = guia.arrGuia;
+    const cab::Table& header = guia.arrCabecalho;
+    const guia::Table& lines = guia.arrGuia;
     if (header.empty()) throw ReportFailure("the Guia has lines but no header");
 
     ValidationReport report;
@@ -191,6 +191,7 @@ ValidationReport build_validation_report(const GuiaArrays& guia)
         if (const auto error = validate_line(r)) {
             report.errors = true;
             append_line_block(out, r, row, *error);
+            report.line_errors.push_back({row, std::string(r.text(guia::N_Linha)), *error});
         }
     }
     if (report.errors) return report;
@@ -203,6 +204,7 @@ ValidationReport build_validation_report(const GuiaArrays& guia)
         // Guia errors share numbers with the service errors but always carry their own text.
         add_line(out, "Descricao = ", std::get<std::string>(error->description));
         out += kBreak;
+        report.guia_error = error;
     }
     return report;
 }

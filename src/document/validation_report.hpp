@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_arrays.hpp"
 
 namespace nimbara::document {
@@ -17,6 +18,8 @@ struct ReportFailure : std::runtime_error {
 struct ValidationReport {
     bool errors = false;  // a line or a Guia rule failed
     std::string text;     // the report, without the line break that writing it adds
+    std::vector<LineError> line_errors;
+    ValidationResult guia_error;
 };
 
 // Judges the Guia and builds its report; the Guia must have lines. Throws ReportFailure.

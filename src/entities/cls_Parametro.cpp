@@ -58,7 +58,7 @@ void cls_Parametro::load()
     if (rs.IsBOF() && rs.IsEOF()) {
         // The same defaults as a headless Guia without parameters.
         cls_ParametroA defaults;
-        defaults.PreencheObjecto(FieldTable(static_cast<int>(kSettings)));
+        defaults.PreencheObjecto(param::Table{});
         const std::array<const std::string*, kSettings> from = {
             &defaults.VCod2DFonteSize, &defaults.vCod2DRatio,          &defaults.vCod2DNColunas,
             &defaults.vCod2DNLinhas,   &defaults.vCod2DErroLevel,      &defaults.vCod2DPDFMode,

@@ -5,7 +5,7 @@
 #include "foundation/required_numbers.hpp"
 
 namespace nimbara {
-void cls_ParametroA::PreencheObjecto(const FieldTable& arrParametros)
+void cls_ParametroA::PreencheObjecto(const param::Table& arrParametros)
 {
     const std::array<std::string*, param::kFields> properties = {
         &VCod2DFonteSize, &vCod2DRatio, &vCod2DNColunas, &vCod2DNLinhas, &vCod2DErroLevel, &vCod2DPDFMode,
@@ -16,8 +16,8 @@ void cls_ParametroA::PreencheObjecto(const FieldTable& arrParametros)
         for (int field = 0; field < param::kFields; ++field) *properties[field] = kDefaults[field];
         return;
     }
-    for (int field = 0; field < param::kFields; ++field)
-        *properties[field] = std::string(arrParametros.text(field, 0));
+    for (const auto field : param::Table::fields())
+        *properties[static_cast<std::size_t>(field)] = std::string(arrParametros.text(field, 0));
 }
 
 bool cls_ParametroA::Validate() const

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
+
 namespace nimbara::chars {
 namespace {
 
@@ -27,7 +29,7 @@ std::size_t length(std::string_view s)
 
 std::string mid(std::string_view s, std::ptrdiff_t start, std::size_t count)
 {
-    if (start < 1) throw std::out_of_range("Invalid procedure call or argument");
+    if (start < 1) raise(RunTimeError::InvalidProcedureCall);
     const std::size_t from = offset_of(s, static_cast<std::size_t>(start - 1));
     const std::size_t to = offset_of(s.substr(from), count);
     return std::string(s.substr(from, to));

@@ -1,4 +1,4 @@
-#include "foundation/file_names.hpp"
+#include "nimbara/GlobalFrameWork.hpp"
 
 #include <chrono>
 #include <cmath>
@@ -7,6 +7,9 @@
 #include <fstream>
 #include <random>
 #include <system_error>
+#include <thread>
+
+#include "foundation/pending_file.hpp"
 
 namespace nimbara::GlobalFrameWork {
 namespace {
@@ -52,9 +55,28 @@ std::string GeraNomeFicheiro()
 
 std::string GetUniqueFileName(std::string_view folder)
 {
-    std::string candidate = std::string(folder) + "/" + GeraNomeFicheiro();
-    while (FileExists(candidate)) candidate = GeraNomeFicheiro();
+    const auto in_folder = [&] { return (std::filesystem::path(folder) / GeraNomeFicheiro()).string(); };
+    std::string candidate = in_folder();
+    while (FileExists(candidate)) candidate = in_folder();
     return candidate;
+}
+
+std::filesystem::path WriteUniqueReport(const std::filesystem::path& folder, std::string_view contents)
+{
+    PendingFile file(folder);
+    file.write(contents);
+    file.write("\r\n");
+    std::string last;
+    return file.publish([&](int) {
+        // Names of one hundredth of a second agree; waiting for the next one gives a new name.
+        std::string name = GeraNomeFicheiro();
+        while (name == last) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            name = GeraNomeFicheiro();
+        }
+        last = name;
+        return folder / name;
+    });
 }
 
 bool FileExists(const std::filesystem::path& path)
@@ -84,5 +106,7 @@ bool EscreveFicheiro(const std::filesystem::path& path, std::string_view content
     if (ec) std::filesystem::remove(temp, ec);
     return !ec;
 }
+
+void RemovePendingFiles() { remove_pending_files_on_signal(); }
 
 }  // namespace nimbara::GlobalFrameWork

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/text.hpp"
 
 namespace nimbara::text {
@@ -11,8 +12,8 @@ template <class Int>
 Int required(std::string_view s, const std::optional<Int>& n)
 {
     if (n) return *n;
-    if (to_number(s)) throw std::overflow_error("Overflow");
-    throw std::invalid_argument("Type mismatch");
+    if (to_number(s)) raise(RunTimeError::Overflow);
+    raise(RunTimeError::TypeMismatch);
 }
 
 }  // namespace
@@ -20,7 +21,7 @@ Int required(std::string_view s, const std::optional<Int>& n)
 double require_number(std::string_view s)
 {
     if (const auto n = to_number(s)) return *n;
-    throw std::invalid_argument("Type mismatch");
+    raise(RunTimeError::TypeMismatch);
 }
 
 std::int16_t require_int16(std::string_view s) { return required(s, to_int16(s)); }

@@ -1,4 +1,5 @@
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
+#include "foundation/pending_file.hpp"
 #include "platform/picture_art.hpp"
 
 #include <cairo-pdf.h>
@@ -17,7 +18,7 @@
 #include <unordered_map>
 #include <variant>
 
-namespace nimbara::platform {
+namespace nimbara {
 namespace {
 
 constexpr double kTwipsPerPoint = 20.0;
@@ -233,12 +234,6 @@ void replay(cairo_t* cr, const Page& page, double line)
     }
 }
 
-cairo_status_t write_to_file(void* closure, const unsigned char* data, unsigned int length)
-{
-    return std::fwrite(data, 1, length, static_cast<std::FILE*>(closure)) == length ? CAIRO_STATUS_SUCCESS
-                                                                                   : CAIRO_STATUS_WRITE_ERROR;
-}
-
 std::filesystem::path part_name(const std::filesystem::path& target)
 {
     auto temp = target;
@@ -287,7 +282,8 @@ SharedSurface make_image(const Picture& p)
 }  // namespace
 
 struct PdfSurface::Impl {
-    JobNamer namer;
+    JobNamer namer;     // jobs go to files...
+    DocumentSink sink;  // ...or to the host
 
     // Printer state.
     int orientation = 1;
@@ -309,14 +305,15 @@ struct PdfSurface::Impl {
     // The job in progress.
     int jobs_done = 0;
     bool in_job = false;
-    std::filesystem::path target;
-    FileHandle file;
+    std::optional<PendingFile> file;
+    std::string bytes;  // the job's PDF, for a sink
+    std::string write_error;
     SurfaceHandle pdf;
     bool page_open = false;
     std::vector<Page> pages;
     std::vector<std::filesystem::path> written;
 
-    explicit Impl(JobNamer n) : namer(std::move(n))
+    Impl(JobNamer n, DocumentSink k) : namer(std::move(n)), sink(std::move(k))
     {
         pango.reset(pango_font_map_create_context(pango_cairo_font_map_get_default()));
         // Unhinted metrics, so that widths and positions are the same in the PDF and in every preview.
@@ -374,24 +371,47 @@ struct PdfSurface::Impl {
         return orientation == 2 ? std::pair{mm_to_twips(h), mm_to_twips(w)} : std::pair{mm_to_twips(w), mm_to_twips(h)};
     }
 
+    static cairo_status_t write_out(void* closure, const unsigned char* data, unsigned int length)
+    {
+        auto& self = *static_cast<Impl*>(closure);
+        const std::string_view chunk(reinterpret_cast<const char*>(data), length);
+        if (!self.file) {
+            self.bytes.append(chunk);
+            return CAIRO_STATUS_SUCCESS;
+        }
+        try {
+            self.file->write(chunk);
+            return CAIRO_STATUS_SUCCESS;
+        } catch (const std::exception& e) {
+            self.write_error = e.what();
+            return CAIRO_STATUS_WRITE_ERROR;
+        }
+    }
+
+    std::filesystem::path job_name(int attempt) const { return namer(jobs_done + 1, attempt); }
+
     void begin_job()
     {
         if (in_job) return;
-        const auto path = namer(jobs_done + 1);
-        const auto temp = part_name(path);
-        FileHandle f(std::fopen(temp.c_str(), "wb"));
-        if (!f) throw std::runtime_error("cannot write \"" + path.string() + "\": " + std::strerror(errno));
+        file.reset();
+        if (namer) {
+            const auto path = job_name(1);
+            try {
+                file.emplace(path.parent_path());
+            } catch (const std::system_error& e) {
+                throw std::runtime_error("cannot write \"" + path.string() + "\": " + e.code().message());
+            }
+        }
+        bytes.clear();
+        write_error.clear();
         const auto [w, h] = page_twips();
-        SurfaceHandle s(cairo_pdf_surface_create_for_stream(write_to_file, f.get(), w / kTwipsPerPoint, h / kTwipsPerPoint));
+        SurfaceHandle s(cairo_pdf_surface_create_for_stream(write_out, this, w / kTwipsPerPoint, h / kTwipsPerPoint));
         if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS) {
-            f.reset();
-            std::filesystem::remove(temp);
+            file.reset();
             throw std::runtime_error("cannot start a PDF document: " +
                                      std::string(cairo_status_to_string(cairo_surface_status(s.get()))));
         }
         cairo_pdf_surface_set_metadata(s.get(), CAIRO_PDF_METADATA_CREATOR, "Guia Nimbara");
-        target = path;
-        file = std::move(f);
         pdf = std::move(s);
         pages.clear();
         page_open = false;
@@ -427,25 +447,27 @@ struct PdfSurface::Impl {
         cairo_surface_finish(pdf.get());
         const auto status = cairo_surface_status(pdf.get());
         pdf.reset();
-        const bool flushed = std::fflush(file.get()) == 0 && !std::ferror(file.get());
-        const int saved_errno = errno;
-        const bool closed = std::fclose(file.release()) == 0;
         in_job = false;
-        const auto temp = part_name(target);
-        std::error_code ec;
-        if (status != CAIRO_STATUS_SUCCESS || !flushed || !closed) {
-            std::filesystem::remove(temp, ec);
-            throw std::runtime_error("cannot write \"" + target.string() + "\": " +
-                                     (status != CAIRO_STATUS_SUCCESS ? cairo_status_to_string(status)
-                                                                     : std::strerror(saved_errno)));
-        }
-        std::filesystem::rename(temp, target, ec);
-        if (ec) {
-            std::filesystem::remove(temp);
-            throw std::runtime_error("cannot write \"" + target.string() + "\": " + ec.message());
+        const std::string place = namer ? "\"" + job_name(1).string() + "\"" : std::string("the PDF");
+        if (status != CAIRO_STATUS_SUCCESS) {
+            file.reset();
+            throw std::runtime_error("cannot write " + place + ": " +
+                                     (write_error.empty() ? std::string(cairo_status_to_string(status)) : write_error));
         }
         ++jobs_done;
-        written.push_back(target);
+        if (!file) {
+            sink(jobs_done, std::move(bytes));
+            bytes.clear();
+            return;
+        }
+        try {
+            written.push_back(file->publish([this](int attempt) { return namer(jobs_done, attempt); }));
+        } catch (const std::system_error& e) {
+            file.reset();
+            --jobs_done;
+            throw std::runtime_error("cannot write " + place + ": " + e.code().message());
+        }
+        file.reset();
     }
 
     // A job never ended leaves no file.
@@ -454,8 +476,7 @@ struct PdfSurface::Impl {
         if (!in_job) return;
         pdf.reset();
         file.reset();
-        std::error_code ec;
-        std::filesystem::remove(part_name(target), ec);
+        bytes.clear();
         in_job = false;
     }
 
@@ -471,19 +492,23 @@ struct PdfSurface::Impl {
 
     void require_copy_pen(const char* what) const
     {
-        if (draw_mode != 13)
+        if (draw_mode != printer::kDrawCopyPen)
             throw std::invalid_argument(std::string(what) + " in draw mode " + std::to_string(draw_mode) +
                                         " is not supported; only 13 (copy pen) is");
     }
 };
 
-PdfSurface::PdfSurface(JobNamer namer) : impl_(std::make_unique<Impl>(std::move(namer))) {}
+PdfSurface::PdfSurface(JobNamer namer) : impl_(std::make_unique<Impl>(std::move(namer), nullptr)) {}
+
+PdfSurface::PdfSurface(DocumentSink sink) : impl_(std::make_unique<Impl>(nullptr, std::move(sink))) {}
 
 PdfSurface::PdfSurface(const std::filesystem::path& pdf)
-    : PdfSurface([pdf](int job) {
-          if (job == 1) return pdf;
+    : PdfSurface([pdf](int job, int attempt) {
+          std::string stem = pdf.stem().string();
+          if (job > 1) stem += "-" + std::to_string(job);
+          if (attempt > 1) stem += "-" + std::to_string(attempt);
           auto named = pdf;
-          named.replace_filename(pdf.stem().string() + "-" + std::to_string(job) + pdf.extension().string());
+          named.replace_filename(stem + pdf.extension().string());
           return named;
       })
 {
@@ -493,7 +518,7 @@ PdfSurface::~PdfSurface() = default;
 
 void PdfSurface::setScaleMode(int mode)
 {
-    if (mode != 1) throw std::invalid_argument("scale mode " + std::to_string(mode) + " is not supported; only 1 (twips) is");
+    if (mode != printer::kScaleTwips) throw std::invalid_argument("scale mode " + std::to_string(mode) + " is not supported; only 1 (twips) is");
 }
 
 void PdfSurface::setOrientation(int orientation)
@@ -558,7 +583,7 @@ double PdfSurface::TextWidth(std::string_view text)
 
 void PdfSurface::Line(int flags, double x1, double y1, double x2, double y2, Colour)
 {
-    if (flags != 20) throw std::invalid_argument("Line flags " + std::to_string(flags) + " are not supported; only 20 (box) is");
+    if (flags != printer::kLineBox) throw std::invalid_argument("Line flags " + std::to_string(flags) + " are not supported; only 20 (box) is");
     impl_->require_copy_pen("Line");
     impl_->page().ops.push_back(RectOp{x1, y1, x2, y2, impl_->fore, impl_->fill});
 }
@@ -667,4 +692,4 @@ void PdfSurface::render_png(int page, double dpi, const std::filesystem::path& p
     }
 }
 
-}  // namespace nimbara::platform
+}  // namespace nimbara

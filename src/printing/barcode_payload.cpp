@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/version.hpp"
@@ -12,14 +13,16 @@ namespace {
 std::string pad_number(std::int32_t n, int width) { return pad_zero(std::to_string(n), width); }
 
 // A one-digit field: the cell as a 16-bit integer written as text, which must be one character.
-std::string digit(const FieldTable& table, int field, int row)
+template <class Table>
+std::string digit(const Table& table, typename Table::field_type field, int row)
 {
     const Cell& cell = table.at(field, row);
     if (!cell) return "0";
     return pad_number(text::require_int16(*cell), 1);
 }
 
-std::string padded(const FieldTable& table, int field, int row, int width)
+template <class Table>
+std::string padded(const Table& table, typename Table::field_type field, int row, int width)
 {
     return pad_zero(table.text(field, row), width);
 }
@@ -31,15 +34,15 @@ char yes_no(bool yes) { return yes ? 'S' : 'N'; }
 std::string pad_zero(std::string_view value, int width)
 {
     const auto length = static_cast<int>(chars::length(value));
-    if (length > width) throw std::out_of_range("Invalid procedure call or argument");
+    if (length > width) raise(RunTimeError::InvalidProcedureCall);
     std::string out(static_cast<std::size_t>(width - length), '0');
     out += value;
     return out;
 }
 
-std::string codigo_cabecalho(const FieldTable& cab, std::int32_t pag, std::int32_t TotPaginas)
+std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32_t TotPaginas)
 {
-    if (cab.empty()) throw std::invalid_argument("Type mismatch");
+    if (cab.empty()) raise(RunTimeError::TypeMismatch);
     std::string head;
     head.reserve(95);
     // Any other access type leaves the head two characters short.
@@ -49,12 +52,12 @@ std::string codigo_cabecalho(const FieldTable& cab, std::int32_t pag, std::int32
     head += pad_number(kVersionMajor, 2);
     head += pad_number(kVersionMinor, 2);
     head += pad_number(kVersionRevision, 2);
-    head += padded(cab, cab::CodContrato, 0, 12);
-    head += padded(cab, cab::CodCliente, 0, 9);
+    head += padded(cab, cab::CodContrato, 0, head_width(cab::CodContrato));
+    head += padded(cab, cab::CodCliente, 0, head_width(cab::CodCliente));
     const Cell& third = cab.at(cab::CodTerceiro, 0);
-    head += pad_zero(third ? std::string_view(*third) : "0", 8);
+    head += pad_zero(third ? std::string_view(*third) : "0", head_width(cab::CodTerceiro));
     head += cab.text(cab::Drqjul, 0);  // the Julian date goes in as it stands, four characters
-    head += padded(cab, cab::IDReqAnual, 0, 4);
+    head += padded(cab, cab::IDReqAnual, 0, head_width(cab::IDReqAnual));
     head += pad_number(pag, 2);
     head += pad_number(TotPaginas, 2);
     const double payment = text::require_cell_number(cab.at(cab::Pagamento, 0));
@@ -62,41 +65,26 @@ std::string codigo_cabecalho(const FieldTable& cab, std::int32_t pag, std::int32
     head += yes_no(payment == 0);
     head += yes_no(cab.text(cab::JppCredenciado, 0) == "1");
     head += yes_no(payment == 2);
-    head += padded(cab, cab::NCredencial, 0, 7);
+    head += padded(cab, cab::NCredencial, 0, head_width(cab::NCredencial));
     head += "0000000000";
-    head += padded(cab, cab::NCompromisso, 0, 15);
+    head += padded(cab, cab::NCompromisso, 0, head_width(cab::NCompromisso));
     // Fields 20 and 21 are built and then cut off by the finish.
-    head += yes_no(text::require_cell_number(cab.at(20, 0)) == 0);
-    head += padded(cab, 21, 0, 9);
+    head += yes_no(text::require_cell_number(cab.at(cab::Unused20, 0)) == 0);
+    head += padded(cab, cab::Unused21, 0, 9);
     return head;
 }
 
 std::string item_servico(std::string_view code, std::string_view value)
 {
-    return pad_zero(code, 2) + pad_zero(value, 7);
+    return pad_zero(code, kServiceCodeWidth) + pad_zero(value, kServiceValueWidth);
 }
 
-std::string item_linha(const FieldTable& g, int row, std::string_view Str_CodBarrasServEsp,
+std::string item_linha(const guia::Table& g, int row, std::string_view Str_CodBarrasServEsp,
                        std::int32_t Total_Se_CodBarras)
 {
     std::string item;
     item.reserve(55 + Str_CodBarrasServEsp.size());
-    item += padded(g, guia::A_Zona_Taxacao, row, 2);
-    item += padded(g, guia::B_Produto, row, 3);
-    item += padded(g, guia::Escalao, row, 6);
-    item += padded(g, guia::D_Quantidade, row, 7);
-    item += digit(g, guia::E_Velocidade, row);
-    item += digit(g, guia::Formato, row);
-    item += digit(g, guia::PreTratamento, row);
-    item += digit(g, guia::Desconto, row);
-    item += digit(g, guia::Entrega_Sampling, row);
-    item += digit(g, guia::TaxEsp_Semana, row);
-    item += padded(g, guia::TaxEsp_Quantidade, row, 4);
-    item += digit(g, guia::CodAmbitoDist, row);
-    item += padded(g, guia::CodigoCampanha, row, 13);
-    item += digit(g, guia::DivisaoRemetente, row);
-    item += padded(g, guia::caracte, row, 1);
-    item += padded(g, guia::refClie, row, 9);
+    for (const auto& f : kItemFields) item += f.digit ? digit(g, f.field, row) : padded(g, f.field, row, f.width);
     item += pad_number(Total_Se_CodBarras, 2);
     item += Str_CodBarrasServEsp;
     return item;

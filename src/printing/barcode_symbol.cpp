@@ -35,7 +35,7 @@ void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string&
         const double left = 261 * kTwipsPerMm - symbol.width * module;
         const double bottom = top + symbol.rows * row_modules * module;
         s.setFillColor(kBlack);
-        s.setFillStyle(0);
+        s.setFillStyle(printer::kFillSolid);
         s.PaintModules(ModuleMatrix{symbol.rows, symbol.width, std::move(symbol.modules)}, left, top, module,
                        row_modules * module);
         s.setCurrentX(0);

@@ -2,6 +2,7 @@
 // special services with codes and amounts.
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
@@ -80,7 +81,7 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
         Valor = two_digits(std::move(Valor));
 
         if (tamanho2 > 0) {
-            if (!Array_valorEsp) throw std::invalid_argument("Type mismatch");
+            if (!Array_valorEsp) raise(RunTimeError::TypeMismatch);
             double x = 134;
             for (const auto& element : *Array_valorEsp) {
                 const std::string code = two_digits(element);
@@ -93,9 +94,9 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
         }
 
         if (tamanho > 0) {
-            if (!Array_valor) throw std::invalid_argument("Type mismatch");
+            if (!Array_valor) raise(RunTimeError::TypeMismatch);
             for (std::int32_t i = 1; i <= tamanho; ++i) {
-                if (i >= static_cast<std::int32_t>(Array_valor->size())) throw std::out_of_range("Subscript out of range");
+                if (i >= static_cast<std::int32_t>(Array_valor->size())) raise(RunTimeError::SubscriptOutOfRange);
                 const std::string& value = (*Array_valor)[static_cast<std::size_t>(i)];
                 if (text::require_int32(value) != 0) printAt(s, 154, y, amount(value));
             }
@@ -106,7 +107,7 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
     return {};
 }
 
-std::int16_t cls_ImpressaoA::CountSEspeciaisComValor(const FieldTable& myArray)
+std::int16_t cls_ImpressaoA::CountSEspeciaisComValor(const serv::Table& myArray)
 {
     std::int16_t count = 0;
     for (int row = 0; row < myArray.row_count(); ++row) {

@@ -86,11 +86,11 @@ void ImpressaoComum::drawRowCombs(PageSurface& s, double y)
     for (const auto& c : kRowCombs) comb(c);
     for (const auto& t : kAmountTicksBeforeComma) tick(t);
     setFont(s, "Times New Roman", 8);
-    s.setDrawMode(9);
-    s.setFillStyle(0);
+    s.setDrawMode(printer::kDrawMaskPen);
+    s.setFillStyle(printer::kFillSolid);
     printAt(s, 199.5, y + 2.1, ",");
-    s.setDrawMode(13);
-    s.setFillStyle(0);
+    s.setDrawMode(printer::kDrawCopyPen);
+    s.setFillStyle(printer::kFillSolid);
     setFont(s, "Times New Roman", 7);
     for (const auto& t : kAmountTicksAfterComma) tick(t);
     frame(s, 181.1, y + 4, 27.1, 0, 0.1);
@@ -106,13 +106,13 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
         const auto text = [&](double x, double y, std::string_view t) { printAt(s, x, y, t); };
         const auto grey_panel = [&](double x, double y, double w, double h) {
             s.setFillColor(kPanelGrey);
-            s.setFillStyle(0);
+            s.setFillStyle(printer::kFillSolid);
             printaCaixaFilled(w, h, x + LeftX, y + TopY, s);
         };
 
-        s.setScaleMode(1);
+        s.setScaleMode(printer::kScaleTwips);
         s.setFillColor(kBlack);
-        s.setFillStyle(0);
+        s.setFillStyle(printer::kFillSolid);
         setFont(s, "Times New Roman", 7, false);
 
         // The identification row under the header frame.
@@ -194,7 +194,7 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
         s.PaintPicture(imagens.pict_cobrado, twipsX(198.5), twipsY(141.5));
         s.PaintPicture(imagens.pic_euro, twipsX(212.5), twipsY(140));
         s.setForeColor(kBlack);
-        s.setFillStyle(2);
+        s.setFillStyle(printer::kFillHorizontalLine);
         text(195, 114.5, "Observações");
         text(193.5, 151.5, "Por");
         s.PaintPicture(imagens.pict_ponto, twipsX(228.5), twipsY(138));

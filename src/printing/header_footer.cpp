@@ -3,6 +3,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "foundation/text.hpp"
@@ -83,7 +84,7 @@ std::string ImpressaoComum::MyReplaceSpace(std::string_view sString, std::int16_
     for (std::size_t i = 0; i < sString.size(); ++i) {
         const char c = sString[i];
         if (c == '\r') {
-            if (iChars - count < 0) throw std::out_of_range("Invalid procedure call or argument");
+            if (iChars - count < 0) raise(RunTimeError::InvalidProcedureCall);
             out.append(static_cast<std::size_t>(iChars - count), ' ');
             count = 0;
         } else if (c == '\n') {
@@ -91,7 +92,7 @@ std::string ImpressaoComum::MyReplaceSpace(std::string_view sString, std::int16_
         } else {
             out += c;
             // A character is counted once, at its first byte.
-            if ((static_cast<unsigned char>(c) & 0xC0) != 0x80 && ++count > 32767) throw std::overflow_error("Overflow");
+            if ((static_cast<unsigned char>(c) & 0xC0) != 0x80 && ++count > 32767) raise(RunTimeError::Overflow);
         }
         if (count == iChars) count = 0;
     }

@@ -8,6 +8,8 @@ namespace nimbara {
 
 void ImpressaoComum::WriteLog(const std::string& sLogEntry)
 {
+    log_entries_.push_back(sLogEntry);
+    Notifier& notifier = notifier_ ? *notifier_ : nimbara::notifier();
     if (edition_ == Edition::Database) {
         try {
             printing::append_log_line(log_path_, sLogEntry);
@@ -18,13 +20,13 @@ void ImpressaoComum::WriteLog(const std::string& sLogEntry)
     }
     // The array edition shows what it logs; the last message stands where a failure would land, so
     // it follows every entry, written or not.
-    notifier().message(MessageIcon::None, "", "WriteLog - " + log_path_.string());
-    notifier().message(MessageIcon::None, "", "Entry - " + sLogEntry);
+    notifier.message(MessageIcon::None, "", "WriteLog - " + log_path_.string());
+    notifier.message(MessageIcon::None, "", "Entry - " + sLogEntry);
     try {
         printing::append_log_line(log_path_, sLogEntry);
     } catch (const std::exception&) {
     }
-    notifier().message(MessageIcon::None, "", "WriteLog - error");
+    notifier.message(MessageIcon::None, "", "WriteLog - error");
 }
 
 std::string ImpressaoComum::getImpressaoSetting(const std::string& Key, const std::string& vDefaultValue)

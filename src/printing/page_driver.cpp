@@ -3,9 +3,10 @@
 #include <limits>
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
-#include "nimbara/GlobalXML.hpp"
+
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printing/barcode_payload.hpp"
 
@@ -16,7 +17,8 @@ constexpr int kRowsPerPage = 12;
 constexpr std::int32_t kFirstRowY = 42;  // 42.5 rounded half to even, as the row's y always was
 constexpr std::int32_t kRowPitch = 6;
 
-std::string text_or(const FieldTable& t, int field, int row, std::string_view if_empty)
+template <class Table>
+std::string text_or(const Table& t, typename Table::field_type field, int row, std::string_view if_empty)
 {
     const Cell& c = t.at(field, row);
     return std::string(c ? std::string_view(*c) : if_empty);
@@ -25,7 +27,7 @@ std::string text_or(const FieldTable& t, int field, int row, std::string_view if
 // A slot of the service rows; the old arrays had eleven, and a count past them stopped the copy.
 std::string& slot(cls_ImpressaoA::ServiceSlots& slots, std::int32_t index)
 {
-    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) throw std::out_of_range("Subscript out of range");
+    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) raise(RunTimeError::SubscriptOutOfRange);
     return slots[static_cast<std::size_t>(index)];
 }
 
@@ -46,7 +48,7 @@ struct cls_ImpressaoA::Via {
     std::int16_t nSemCodigo = 0;
     std::int32_t yLinha = kFirstRowY;
     std::int32_t yServ = kFirstRowY;
-    FieldTable servLinha{serv::kFields};
+    serv::Table servLinha;
     ServiceSlots cod{}, val{};
     std::int32_t nVal = 0, nCod = 0;
     std::int32_t codigoServ = 0, valorServ = 0;  // the code and value kept for the next service row
@@ -65,13 +67,13 @@ struct cls_ImpressaoA::Via {
 
 std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
 {
-    const FieldTable& g = arrays.arrGuia;
+    const guia::Table& g = arrays.arrGuia;
     std::int16_t pages = g.row_count() > 0 ? 1 : 0;
     try {
         std::int16_t rows = 0, semValor = 0, comValor = 0;
         for (int line = 0; line < g.row_count(); ++line) {
             ++rows;
-            const FieldTable services =
+            const serv::Table services =
                 GlobalXML::getArrServEspByLinha(arrays.arrServEsp, text::require_cell_int32(g.at(guia::N_Linha, line)));
             for (int s = 0; s < services.row_count(); ++s) {
                 const bool without_value = text::require_cell_number(services.at(serv::Valor, s)) == 0;
@@ -112,8 +114,8 @@ std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
 
 void cls_ImpressaoA::detailOfLine(PageSurface& s, int row, std::int32_t y)
 {
-    const FieldTable& g = arrays.arrGuia;
-    const auto f = [&](int field) { return std::string(g.text(field, row)); };
+    const guia::Table& g = arrays.arrGuia;
+    const auto f = [&](auto field) { return std::string(g.text(field, row)); };
     PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao), f(guia::D_Quantidade),
                       f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento), f(guia::Desconto),
                       f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana), f(guia::TaxEsp_Quantidade),
@@ -123,9 +125,9 @@ void cls_ImpressaoA::detailOfLine(PageSurface& s, int row, std::int32_t y)
 void cls_ImpressaoA::pageTop(Via& via, PageSurface& s, const FormImpressao& imagens)
 {
     PrintaParteFixaGuiaExp(s, imagens, via.DuplOrig, via.dtRequisicao);
-    const FieldTable& cab = arrays.arrCabecalho;
+    const cab::Table& cab = arrays.arrCabecalho;
     if (!cab.empty()) {
-        const auto f = [&](int field) { return std::string(cab.text(field, 0)); };
+        const auto f = [&](auto field) { return std::string(cab.text(field, 0)); };
         const std::string postal = chars::left(f(cab::CodPostal), 4) + " - " + chars::right(f(cab::CodPostal), 3) +
                                    " " + f(cab::DesigPostal);
         ImprimeHeaderFooter(s, text_or(cab, cab::CodTerceiro, 0, "0"), f(cab::CodCliente), f(cab::CodContrato),
@@ -162,14 +164,14 @@ void cls_ImpressaoA::turnPage(Via& via, PageSurface& s, const FormImpressao& ima
     s.NewPage();
     via.yLinha = kFirstRowY;
     pageTop(via, s, imagens);
-    const FieldTable& cab = arrays.arrCabecalho;
+    const cab::Table& cab = arrays.arrCabecalho;
     Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
                        std::string(cab.text(cab::NCompromisso, 0)));
 }
 
 void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao& imagens)
 {
-    const FieldTable& services = via.servLinha;
+    const serv::Table& services = via.servLinha;
     const auto fresh_slots = [&] {
         via.cod = {};
         via.val = {};
@@ -251,17 +253,17 @@ void cls_ImpressaoA::printServices(Via& via, PageSurface& s, const FormImpressao
 
 void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& imagens)
 {
-    FieldTable& g = arrays.arrGuia;
+    guia::Table& g = arrays.arrGuia;
     const int lin = via.lin;
     const int last = g.row_count() - 1;
-    const FieldTable& cab = arrays.arrCabecalho;
-    const auto f = [&](int field) { return std::string(g.text(field, lin)); };
+    const cab::Table& cab = arrays.arrCabecalho;
+    const auto f = [&](auto field) { return std::string(g.text(field, lin)); };
     const std::string product = f(guia::B_Produto);
 
     // Format "07" of product "C07" prints and encodes as "01"; the table gets its own value back.
     const bool swap_format = product == "C07" && f(guia::Formato) == "07";
     struct FormatBack {
-        FieldTable& g;
+        guia::Table& g;
         int row;
         bool active;
         ~FormatBack()
@@ -285,7 +287,7 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
         Str_CodBarrasServEsp = "25" + printing::pad_zero(g.text(guia::Escalao, lin + 1), 7);
         ++Total_Se_CodBarras;
     }
-    const FieldTable& services = via.servLinha;
+    const serv::Table& services = via.servLinha;
     if (!services.empty()) {
         for (int i = 0; i < services.row_count(); ++i)
             Str_CodBarrasServEsp += printing::item_servico(services.text(serv::CodServEsp, i), services.text(serv::Valor, i));
@@ -320,7 +322,7 @@ void cls_ImpressaoA::printLine(Via& via, PageSurface& s, const FormImpressao& im
     const std::int64_t total = static_cast<std::int64_t>(via.totalQuantidade) +
                                (quantity.empty() ? 0 : text::require_int32(quantity));
     if (total > std::numeric_limits<std::int32_t>::max() || total < std::numeric_limits<std::int32_t>::min())
-        throw std::overflow_error("Overflow");
+        raise(RunTimeError::Overflow);
     via.totalQuantidade = static_cast<std::int32_t>(total);
 
     Str_CodBarrasServEsp.clear();
@@ -342,9 +344,9 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
     via.dtRequisicao = dtRequisicao;
     try {
         via.TotPaginas = Calcula_TotalidadePaginas(varNReq);
-        const FieldTable& cab = arrays.arrCabecalho;
-        const FieldTable& g = arrays.arrGuia;
-        if (g.empty()) throw std::invalid_argument("Type mismatch");  // no lines: nothing to walk
+        const cab::Table& cab = arrays.arrCabecalho;
+        const guia::Table& g = arrays.arrGuia;
+        if (g.empty()) raise(RunTimeError::TypeMismatch);  // no lines: nothing to walk
         while (!via.fim) {
             if (via.page_full()) finishSymbol(via, s);
             ++via.pag;

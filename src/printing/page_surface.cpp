@@ -16,7 +16,7 @@ struct Bar {
 void PageSurface::PaintModules(const ModuleMatrix& m, double x, double y, double module_width, double module_height)
 {
     const auto box = [&](const Bar& b, int bottom) {
-        Line(20, x + b.first * module_width, y + b.top * module_height, x + b.last * module_width,
+        Line(printer::kLineBox, x + b.first * module_width, y + b.top * module_height, x + b.last * module_width,
              y + bottom * module_height, kBlack);
     };
     std::vector<Bar> open, next;

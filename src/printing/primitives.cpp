@@ -2,6 +2,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "nimbara/ImpressaoComum.hpp"
 #include "printing/print_log.hpp"
@@ -27,11 +28,11 @@ void ImpressaoComum::printaCaixa(double w, double h, double e, double X, double 
     guarded("printaCaixa", [&] {
         const double W = whole_twips(w), H = whole_twips(h), E = whole_twips(e), X1 = whole_twips(X), Y1 = whole_twips(y);
         impressora.setFillColor(kBlack);
-        impressora.setFillStyle(0);
-        impressora.Line(20, X1, Y1, X1 + W, Y1 + E, kBlack);          // top
-        impressora.Line(20, X1 + W - E, Y1, X1 + W, Y1 + H, kBlack);  // right
-        impressora.Line(20, X1, Y1 + H - E, X1 + W, Y1 + H, kBlack);  // bottom
-        impressora.Line(20, X1, Y1, X1 + E, Y1 + H, kBlack);          // left
+        impressora.setFillStyle(printer::kFillSolid);
+        impressora.Line(printer::kLineBox, X1, Y1, X1 + W, Y1 + E, kBlack);          // top
+        impressora.Line(printer::kLineBox, X1 + W - E, Y1, X1 + W, Y1 + H, kBlack);  // right
+        impressora.Line(printer::kLineBox, X1, Y1 + H - E, X1 + W, Y1 + H, kBlack);  // bottom
+        impressora.Line(printer::kLineBox, X1, Y1, X1 + E, Y1 + H, kBlack);          // left
     });
 }
 
@@ -39,7 +40,7 @@ void ImpressaoComum::printaCaixaFilled(double w, double h, double X, double y, P
 {
     guarded("printaCaixaFilled", [&] {
         const double X1 = whole_twips(X), Y1 = whole_twips(y);
-        impressora.Line(20, X1, Y1, X1 + whole_twips(w), Y1 + whole_twips(h), kBlack);
+        impressora.Line(printer::kLineBox, X1, Y1, X1 + whole_twips(w), Y1 + whole_twips(h), kBlack);
     });
 }
 
@@ -51,7 +52,7 @@ void ImpressaoComum::printacirculo(double X, double y, double R, PageSurface& im
 std::string ImpressaoComum::ValorAlinhado(const std::string& valor, std::int32_t largura, std::int32_t posicao)
 {
     if (posicao == 1) return chars::right(valor, 1);
-    if (largura < 0) throw std::out_of_range("Invalid procedure call or argument");
+    if (largura < 0) raise(RunTimeError::InvalidProcedureCall);
     return chars::mid(valor, static_cast<std::ptrdiff_t>(chars::length(valor)) + largura - posicao,
                       static_cast<std::size_t>(largura));
 }

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "foundation/run_time_errors.hpp"
 #include "foundation/component.hpp"
 
 namespace nimbara::printing {
@@ -36,7 +37,7 @@ std::int32_t GetLogSize(const std::filesystem::path& name)
     if (!std::filesystem::is_regular_file(name, ec)) return -1;
     const auto size = std::filesystem::file_size(name, ec);
     if (ec) throw std::runtime_error("cannot read the size of \"" + name.string() + "\": " + ec.message());
-    if (size > static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max())) throw std::overflow_error("Overflow");
+    if (size > static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max())) raise(RunTimeError::Overflow);
     return static_cast<std::int32_t>(size);
 }
 

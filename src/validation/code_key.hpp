@@ -17,7 +17,8 @@ inline std::optional<CodeKey> code_key(std::string_view code)
     if (code.size() > kMaxKeyedCodeLength) return std::nullopt;
     CodeKey key = static_cast<CodeKey>(code.size()) << 56;
     std::uint64_t bytes = 0;
-    std::memcpy(&bytes, code.data(), code.size());
+    // An empty view may carry no storage at all, and memcpy from null is undefined even for 0 bytes.
+    if (!code.empty()) std::memcpy(&bytes, code.data(), code.size());
     return key | bytes;
 }
 

@@ -24,15 +24,15 @@ bool one_of(std::string_view value, const std::array<std::string_view, N>& set)
     return false;
 }
 
-std::string_view product_of(const FieldTable& lines, int row) { return lines.text(guia::B_Produto, row); }
-std::string_view zone_of(const FieldTable& lines, int row) { return lines.text(guia::A_Zona_Taxacao, row); }
+std::string_view product_of(const guia::Table& lines, int row) { return lines.text(guia::B_Produto, row); }
+std::string_view zone_of(const guia::Table& lines, int row) { return lines.text(guia::A_Zona_Taxacao, row); }
 
-bool in_p_family(const FieldTable& lines, int row) { return product_of(lines, row).starts_with('P'); }
+bool in_p_family(const guia::Table& lines, int row) { return product_of(lines, row).starts_with('P'); }
 
 // The shared sum test: quantities of the matching lines are added as numbers into a 32-bit sum, so
 // a quantity that is no number, or a sum beyond 32 bits, fails the check.
 template <class Matches>
-bool minimum_reached(const FieldTable& lines, std::int32_t minimum, Matches matches)
+bool minimum_reached(const guia::Table& lines, std::int32_t minimum, Matches matches)
 {
     std::int32_t sum = 0;
     bool matched = false;
@@ -51,7 +51,7 @@ bool minimum_reached(const FieldTable& lines, std::int32_t minimum, Matches matc
 
 // The header's access type as a number; nothing when there is no header or the value is no number,
 // which fails the check that asked.
-std::optional<double> access_type(const FieldTable& header)
+std::optional<double> access_type(const cab::Table& header)
 {
     if (header.empty()) return std::nullopt;
     return cell_number(header.at(cab::TipoAcesso, 0));
@@ -60,7 +60,7 @@ std::optional<double> access_type(const FieldTable& header)
 // The access checks: a Guia without lines passes; otherwise the access type must be readable, and
 // when `applies` holds for it no line may meet the condition.
 template <class Applies, class Condition>
-bool access_allows(const FieldTable& lines, const FieldTable& header, Applies applies, Condition condition)
+bool access_allows(const guia::Table& lines, const cab::Table& header, Applies applies, Condition condition)
 {
     if (lines.row_count() == 0) return true;
     const auto type = access_type(header);
@@ -78,26 +78,26 @@ struct GuiaCheck {
 
 }  // namespace
 
-bool DoValDM(const FieldTable& lines, std::string_view product, std::int32_t minimum)
+bool DoValDM(const guia::Table& lines, std::string_view product, std::int32_t minimum)
 {
     return minimum_reached(lines, minimum, [&](int row) { return product_of(lines, row) == product; });
 }
 
-bool DoValDMNacional(const FieldTable& lines, std::string_view product, std::int32_t minimum)
+bool DoValDMNacional(const guia::Table& lines, std::string_view product, std::int32_t minimum)
 {
     return minimum_reached(lines, minimum, [&](int row) {
         return product_of(lines, row) == product && one_of(zone_of(lines, row), kNationalZones);
     });
 }
 
-bool DoValDMInternacional(const FieldTable& lines, std::string_view product, std::int32_t minimum)
+bool DoValDMInternacional(const guia::Table& lines, std::string_view product, std::int32_t minimum)
 {
     return minimum_reached(lines, minimum, [&](int row) {
         return product_of(lines, row) == product && one_of(zone_of(lines, row), kInternationalZones);
     });
 }
 
-bool DoValDMComAmbitoDistribuicao(const FieldTable& lines, std::string_view product, std::int32_t minimum,
+bool DoValDMComAmbitoDistribuicao(const guia::Table& lines, std::string_view product, std::int32_t minimum,
                                   std::string_view scope)
 {
     return minimum_reached(lines, minimum, [&](int row) {
@@ -105,7 +105,7 @@ bool DoValDMComAmbitoDistribuicao(const FieldTable& lines, std::string_view prod
     });
 }
 
-bool isGuiaMista(const FieldTable& lines, std::string_view product)
+bool isGuiaMista(const guia::Table& lines, std::string_view product)
 {
     bool found = false;
     for (int row = 0; row < lines.row_count(); ++row)
@@ -113,12 +113,12 @@ bool isGuiaMista(const FieldTable& lines, std::string_view product)
     return found;
 }
 
-bool DoValEdicaoPostal(const FieldTable& lines, std::string_view product, std::int32_t minimum)
+bool DoValEdicaoPostal(const guia::Table& lines, std::string_view product, std::int32_t minimum)
 {
     return !isGuiaMista(lines, product) || DoValDM(lines, product, minimum);
 }
 
-std::int32_t DoValEncartes(const FieldTable& lines)
+std::int32_t DoValEncartes(const guia::Table& lines)
 {
     if (lines.row_count() == 0) return 0;
     if (product_of(lines, 0) == kInsert) return -3;
@@ -144,27 +144,27 @@ std::int32_t DoValEncartes(const FieldTable& lines)
     return 0;
 }
 
-bool DoValAcessoRede(const FieldTable& lines, const FieldTable& header)
+bool DoValAcessoRede(const guia::Table& lines, const cab::Table& header)
 {
     return access_allows(
         lines, header, [](double type) { return type == 2; }, [&](int row) { return !in_p_family(lines, row); });
 }
 
-bool DoValProdutoAcessoRede(const FieldTable& lines, const FieldTable& header)
+bool DoValProdutoAcessoRede(const guia::Table& lines, const cab::Table& header)
 {
     return access_allows(
         lines, header, [](double type) { return type == 0 || type == 1; },
         [&](int row) { return in_p_family(lines, row); });
 }
 
-bool DoValDivisaoRemetente(const FieldTable& lines, const FieldTable& header)
+bool DoValDivisaoRemetente(const guia::Table& lines, const cab::Table& header)
 {
     return access_allows(
         lines, header, [](double type) { return type == 0; },
         [&](int row) { return lines.text(guia::DivisaoRemetente, row) == "1"; });
 }
 
-ValidationResult DoValidaGuia(const FieldTable& lines, const FieldTable& header)
+ValidationResult DoValidaGuia(const guia::Table& lines, const cab::Table& header)
 {
     const auto fail = [](GuiaCheck c) { return ErrorArray{c.number, std::string(c.text)}; };
     try {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "foundation/text.hpp"
-#include "nimbara/cls_ValProdutosA.hpp"
 #include "validation/service_rules.hpp"
 
 namespace nimbara::validation {
@@ -166,19 +165,3 @@ ValidationResult validate_line(const RuleIndex& index, const LineInput& line)
 }
 
 }  // namespace nimbara::validation
-
-namespace nimbara {
-
-ValidationResult cls_ValProdutosA::DoValidaProduto(std::string_view strIdProduto, std::string_view strCodZtaxacao,
-                                                   std::int32_t lngPeso, std::string_view strVelocidade,
-                                                   std::string_view strFormato, std::string_view bolPreTratamento,
-                                                   std::string_view strDesconto, std::string_view strCodAmbitoDist,
-                                                   std::string_view strCodAmostraDireta,
-                                                   std::string_view strListaServEsp) const
-{
-    return validation::validate_line(validation::RuleIndex::compiled(),
-                                     {strIdProduto, strCodZtaxacao, lngPeso, strVelocidade, strFormato, bolPreTratamento,
-                                      strDesconto, strCodAmbitoDist, strCodAmostraDireta, strListaServEsp});
-}
-
-}  // namespace nimbara

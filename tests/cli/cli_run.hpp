@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -22,9 +23,12 @@ struct Run {
 // Runs the program with a shell command line, capturing standard output and standard error.
 inline Run run(const std::string& args, const std::string& input = "")
 {
+    // Runs may come from several threads at once: each gets files of its own.
+    static std::atomic<int> counter{0};
     const auto dir = std::filesystem::temp_directory_path();
-    const auto in = dir / ("nimbara-cli-in-" + std::to_string(::getpid()));
-    const auto err = dir / ("nimbara-cli-err-" + std::to_string(::getpid()));
+    const std::string id = std::to_string(::getpid()) + "-" + std::to_string(counter++);
+    const auto in = dir / ("nimbara-cli-in-" + id);
+    const auto err = dir / ("nimbara-cli-err-" + id);
     std::ofstream(in) << input;
     const std::string cmd = std::string(NIMBARA_CLI) + " " + args + " <" + in.string() + " 2>" + err.string();
     FILE* pipe = ::popen(cmd.c_str(), "r");

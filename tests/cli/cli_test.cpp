@@ -73,9 +73,16 @@ TEST(Cli, RefusalsNameWhatIsWrong)
         {"form --out /nonexistent-folder/form.pdf", "/nonexistent-folder/form.pdf"},
         {"form --out X.pdf --edition paper", "--edition"},
         {"form --out X.pdf --left north", "--left"},
-        {"check " + dir + "/none.json --report-dir " + dir, "none.json: cannot open the file"},
-        {"check " + valid + " --report-dir " + dir + "/nope", "nope is not a folder"},
-        {"print " + valid + " --report-dir " + dir + " --out-dir " + dir + "/missing", "output folder"},
+        {"check " + valid + " --report-dir /dev/null/reports", "cannot create the report folder \"/dev/null/reports\""},
+        {"print " + valid + " --report-dir " + dir + " --out-dir /dev/null/pdf", "cannot create the output folder"},
+        {"check " + dir + "/none.json", "none.json: cannot open the file: No such file or directory"},
+        {"check " + dir, "is a folder, not a file"},
+        {"chek " + valid, "unknown command \"chek\"; did you mean \"check\"?"},
+        {"print " + valid + " --repot-dir " + dir, "unknown option \"--repot-dir\"; did you mean \"--report-dir\"?"},
+        {"help nada", "unknown command \"nada\""},
+        {"", "a command is required"},
+        {"form --out X.pdf --copy -1", "0 to 32767"},
+        {"form --out " + dir + "/f.pdf --png /dev/null/x.png", "x.png"},
     };
     for (const auto& c : cases) {
         const auto r = run(c.args);

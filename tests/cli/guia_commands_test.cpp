@@ -76,16 +76,16 @@ TEST_F(GuiaCommands, BadFilesAreRefusedNamingThePlace)
     struct Case { const char* what; std::string text; std::string place; };
     const Case cases[] = {
         {"malformed", "{\n  \"cabecalho\": {\n    \"cb_Nome\": \"Ana\",\n  }\n}\n", "line 4, column 3"},
-        {"not an object", "[]", ": /: expected an object, found array"},
+        {"not an object", "[]", ": /: expected an object, found an array"},
         {"unknown section", R"({"cabecalhos": {}})", "unknown key \"cabecalhos\""},
         {"unknown header key", R"({"cabecalho": {"cb_Name": "Ana"}})", "/cabecalho: unknown key \"cb_Name\""},
         {"unknown line key", R"({"produtos": [{"PreTratamento": "0"}, {"Peso": "1"}]})",
          "/produtos/1: unknown key \"Peso\""},
-        {"wrong type", R"({"produtos": [{"PreTratamento": true}]})", "/produtos/0/PreTratamento: expected text or a number, found boolean"},
+        {"wrong type", R"({"produtos": [{"PreTratamento": true}]})", "/produtos/0/PreTratamento: expected text or a number, found a boolean"},
         {"null value", R"({"servicos": [{"Valor": null}]})", "/servicos/0/Valor: expected text or a number, found null"},
-        {"lines not an array", R"({"produtos": {}})", "/produtos: expected an array, found object"},
+        {"lines not an array", R"({"produtos": {}})", "/produtos: expected an array, found an object"},
         {"pre-treatment no number", R"({"produtos": [{"PreTratamento": "1"}, {"PreTratamento": "x"}]})",
-         "/produtos/1: the line was refused"},
+         "/produtos/1: PreencheProduto refused it"},
         {"pre-treatment missing", R"({"produtos": [{"B_Produto": "C01"}]})", "PreTratamento must be a number, found \"\""},
     };
     for (const auto& c : cases) {

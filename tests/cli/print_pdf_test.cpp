@@ -71,7 +71,7 @@ TEST(PrintPdf, ValidGuiaPrintsOnePageWhoseSymbolReadsBack)
     ASSERT_TRUE(fs::exists(pdf));
     EXPECT_EQ(pages_of(pdf), 1);
     EXPECT_EQ(symbol_of(pdf, 1, folder.path()), kValidGuia);
-    EXPECT_EQ(r.err, "") << "nothing went to the print log";
+    EXPECT_EQ(r.err, "nimbara print: printed " + pdf.string() + "\n") << "nothing went to the print log";
 }
 
 TEST(PrintPdf, EachCopyIsAFileAndNoneIsOverwritten)

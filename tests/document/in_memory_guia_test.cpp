@@ -68,13 +68,14 @@ TEST(InMemoryGuia, ArgumentsLandInTheirFields)
     ASSERT_EQ(t.row_count(), 2);
     // Field by field, the place of the argument that fills it (0: none).
     const int place[guia::kFields] = {1, 2, 3, 4, 5, 0, 9, 10, 11, 7, 6, 8, 15, 14, 13, 12, 18, 17, 16, 19, 20};
-    for (int field = 0; field < guia::kFields; ++field) {
-        if (place[field] == 0) {
-            EXPECT_EQ(t.at(field, 0), std::nullopt) << field;
+    for (const auto field : nimbara::guia::Table::fields()) {
+        const int place_of = place[static_cast<int>(field)];
+        if (place_of == 0) {
+            EXPECT_EQ(t.at(field, 0), std::nullopt) << static_cast<int>(field);
         } else if (field != guia::PreTratamento) {
-            std::string expected = std::to_string(place[field]);
+            std::string expected = std::to_string(place_of);
             expected.insert(0, 1, 'a');  // built in place: GCC 12 misreads "a" + to_string as overlapping
-            EXPECT_EQ(t.at(field, 0), expected) << field;
+            EXPECT_EQ(t.at(field, 0), expected) << static_cast<int>(field);
         }
     }
     EXPECT_EQ(t.at(guia::A_Zona_Taxacao, 1), "05") << "values are trimmed";
@@ -94,8 +95,8 @@ TEST(InMemoryGuia, EmptyCellsBlanksAndHeaderOverwrites)
     EXPECT_EQ(h.row_count(), 2);
     EXPECT_EQ(h.at(cab::Nome, 0), "Ana") << "an empty argument keeps the stored value";
     EXPECT_EQ(h.at(cab::Obs, 0), "second");
-    EXPECT_EQ(h.at(20, 0), std::nullopt);
-    EXPECT_EQ(h.at(21, 0), std::nullopt);
+    EXPECT_EQ(h.at(cab::Unused20, 0), std::nullopt);
+    EXPECT_EQ(h.at(cab::Unused21, 0), std::nullopt);
     EXPECT_EQ(h.at(cab::Nome, 1), std::nullopt);
 
     for (int i = 0; i < 2; ++i)

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "document/pdf_printer.hpp"
+#include "nimbara/pdf_printer.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "printing/printed_text.hpp"
 #include "printing/recording_surface.hpp"
@@ -98,9 +98,15 @@ TEST(PdfPrinter, NamesSayWhichGuiaAndCopyAndNeverOverwrite)
 {
     nimbara::testing::TempFolder folder;
     const auto& dir = folder.path();
-    EXPECT_EQ(nimbara::document::pdf_file_name(dir, "2025/1027", 2), dir / "Guia_2025-1027_via2.pdf");
-    EXPECT_EQ(nimbara::document::pdf_file_name(dir, "", 1), dir / "Guia_sem-numero_via1.pdf");
+    EXPECT_EQ(nimbara::pdf_file_name(dir, "2025/1027", 2), dir / "Guia_2025-1027_via2.pdf");
+    EXPECT_EQ(nimbara::pdf_file_name(dir, "", 1), dir / "Guia_sem-numero_via1.pdf");
+    EXPECT_EQ(nimbara::pdf_file_name(dir, std::string(300, '9'), 1).filename().string().size(), 100u + 14)
+        << "a long document number is cut";
     std::ofstream(dir / "Guia_7_via1.pdf") << "x";
     std::ofstream(dir / "Guia_7_via1-2.pdf") << "x";
-    EXPECT_EQ(nimbara::document::pdf_file_name(dir, "7", 1), dir / "Guia_7_via1-3.pdf");
+    const auto printer = nimbara::make_pdf_printer(dir, "7");
+    printer->Print("page");
+    printer->EndDoc();
+    EXPECT_EQ(printer->written(), std::vector<fs::path>{dir / "Guia_7_via1-3.pdf"});
+    EXPECT_EQ(nimbara::testing::read_file(dir / "Guia_7_via1.pdf"), "x") << "taken names are never replaced";
 }

@@ -3,20 +3,20 @@
 #include "nimbara/cls_ParametroA.hpp"
 
 using nimbara::cls_ParametroA;
-using nimbara::FieldTable;
+namespace param = nimbara::param;
 using nimbara::ParametroError;
 
 TEST(cls_ParametroA, FillsFromTheFirstRowOrTheDefaults)
 {
     cls_ParametroA defaults;
-    defaults.PreencheObjecto(FieldTable(12));
+    defaults.PreencheObjecto(param::Table{});
     EXPECT_EQ(defaults.vCod2DErroLevel, "1");
     EXPECT_EQ(defaults.vGuiaNVias, "1");
     EXPECT_EQ(defaults.VCod2DFonteSize, "0");
 
-    FieldTable table(12);
-    table.set(0, 0, std::string("3"));
-    table.set(8, 1, std::string("5"));  // a second row is never read
+    param::Table table;
+    table.set(param::VCod2DFonteSize, 0, std::string("3"));
+    table.set(param::vGuiaNVias, 1, std::string("5"));  // a second row is never read
     cls_ParametroA p;
     p.PreencheObjecto(table);
     EXPECT_EQ(p.VCod2DFonteSize, "3");

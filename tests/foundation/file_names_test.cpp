@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <system_error>
+#include <thread>
+#include <vector>
+
 #include <filesystem>
 #include <fstream>
 
-#include "foundation/file_names.hpp"
+#include "nimbara/GlobalFrameWork.hpp"
 #include "support/temp_folder.hpp"
 
 namespace gf = nimbara::GlobalFrameWork;
@@ -17,17 +21,30 @@ TEST(FileNames, UniqueNameIsInTheFolderUntilACollision)
     const std::string first = gf::GetUniqueFileName(dir.path().string());
     EXPECT_EQ(fs::path(first).parent_path(), dir.path());
 
-    // Occupy every name this hundredth of a second can produce, in the folder only: the retry is a bare name.
-    const auto cwd = fs::current_path();
-    fs::current_path(dir.path());
-    std::string retried;
-    for (int attempt = 0; attempt < 200 && retried.empty(); ++attempt) {
+    // Occupy every name this hundredth of a second can produce: the retry stays in the folder.
+    for (int attempt = 0; attempt < 50; ++attempt) {
         std::ofstream(dir.path() / gf::GeraNomeFicheiro()).put('x');
-        const std::string got = gf::GetUniqueFileName(dir.path().string());
-        if (fs::path(got).parent_path().empty()) retried = got;
+        EXPECT_EQ(fs::path(gf::GetUniqueFileName(dir.path().string())).parent_path(), dir.path());
     }
-    fs::current_path(cwd);
-    EXPECT_FALSE(retried.empty()) << "no collision was provoked";
+}
+
+// Reports finished together, in threads of one process, each get a file of their own in the folder.
+TEST(FileNames, ReportsWrittenAtOnceNeverReplaceOneAnother)
+{
+    TempFolder dir;
+    constexpr int kReports = 24;
+    std::vector<fs::path> paths(kReports);
+    std::vector<std::thread> writers;
+    for (int i = 0; i < kReports; ++i)
+        writers.emplace_back([&, i] { paths[i] = gf::WriteUniqueReport(dir.path(), "report " + std::to_string(i)); });
+    for (auto& w : writers) w.join();
+    for (int i = 0; i < kReports; ++i) {
+        EXPECT_EQ(paths[i].parent_path(), dir.path());
+        EXPECT_EQ(nimbara::testing::read_file(paths[i]), "report " + std::to_string(i) + "\r\n");
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), kReports)
+        << "no temporary is left";
+    EXPECT_THROW(gf::WriteUniqueReport(dir.path() / "missing", "x"), std::system_error);
 }
 
 TEST(FileNames, FileExistsAndWriteReplacesWholeAndFailsCleanly)

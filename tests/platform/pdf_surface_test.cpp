@@ -7,12 +7,12 @@
 
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 #include "support/temp_folder.hpp"
 
 namespace fs = std::filesystem;
-using nimbara::platform::PdfSurface;
-using nimbara::platform::RasterImage;
+using nimbara::PdfSurface;
+using nimbara::RasterImage;
 using nimbara::testing::TempFolder;
 
 namespace {

@@ -18,7 +18,7 @@ namespace {
 const std::string kHead = std::string("CR") + "050315" + "000000000123" + "000000456" + "00000000" + "5123" + "0007" +
                           "0101" + "SNNN" + "0000077" + "0000000000" + "000000000000000";
 
-std::string head_with(int field, std::optional<std::string> value)
+std::string head_with(cab::Field field, std::optional<std::string> value)
 {
     auto g = sample_guia();
     g.arrCabecalho.set(field, 0, std::move(value));
@@ -61,7 +61,7 @@ TEST(BarcodeItem, OneItemPerLine)
 
 TEST(BarcodeItem, ValuesThatDoNotFitFail)
 {
-    struct Case { const char* what; int field; std::string value; };
+    struct Case { const char* what; guia::Field field; std::string value; };
     const Case cases[] = {
         {"quantity of eight digits", guia::D_Quantidade, "12345678"},
         {"one-digit field of 10", guia::Desconto, "10"},
@@ -76,5 +76,5 @@ TEST(BarcodeItem, ValuesThatDoNotFitFail)
         EXPECT_ANY_THROW(item_linha(g.arrGuia, 0, "", 0)) << c.what;
     }
     EXPECT_THROW(pad_zero("123", 2), std::out_of_range);
-    EXPECT_THROW(codigo_cabecalho(FieldTable(cab::kFields), 1, 1), std::invalid_argument) << "no header";
+    EXPECT_THROW(codigo_cabecalho(cab::Table{}, 1, 1), std::invalid_argument) << "no header";
 }

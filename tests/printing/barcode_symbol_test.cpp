@@ -26,7 +26,7 @@ struct Drawn {
     std::string font_after;
 };
 
-Drawn draw(int param, const std::string& value, const std::string& payload = kPayload)
+Drawn draw(param::Field param, const std::string& value, const std::string& payload = kPayload)
 {
     nimbara::testing::TempFolder folder;
     cls_ImpressaoA printer;
@@ -54,7 +54,7 @@ Drawn draw(int param, const std::string& value, const std::string& payload = kPa
 
 TEST(PrintCreatedPDF, SettingsShapeTheSymbolOrAreLogged)
 {
-    struct Case { const char* what; int param; std::string value; std::string font; double size; };  // font "": refused
+    struct Case { const char* what; param::Field param; std::string value; std::string font; double size; };  // font "": refused
     const Case cases[] = {
         {"the bundled examples' settings", param::vCod2DRatio, "0", "PDF417c2", 10},
         {"ratio 1", param::vCod2DRatio, "1", "PDF417c", 10},

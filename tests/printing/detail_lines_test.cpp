@@ -9,7 +9,6 @@
 #include "support/temp_folder.hpp"
 
 using nimbara::cls_ImpressaoA;
-using nimbara::FieldTable;
 using nimbara::printing::RecordingSurface;
 using namespace printing_test;
 
@@ -99,11 +98,11 @@ TEST_F(DetailLines, ServiceRows)
 
 TEST(CountSEspeciaisComValor, CountsValuesAboveZero)
 {
-    FieldTable services(3);
+    nimbara::serv::Table services;
     const char* values[] = {"0", "300", nullptr, "5"};
     for (int i = 0; i < 4; ++i)
-        services.set(2, i, values[i] ? std::optional<std::string>(values[i]) : std::nullopt);
+        services.set(nimbara::serv::Valor, i, values[i] ? std::optional<std::string>(values[i]) : std::nullopt);
     EXPECT_EQ(cls_ImpressaoA::CountSEspeciaisComValor(services), 2);
-    services.set(2, 4, std::string("abc"));
+    services.set(nimbara::serv::Valor, 4, std::string("abc"));
     EXPECT_ANY_THROW(cls_ImpressaoA::CountSEspeciaisComValor(services));
 }

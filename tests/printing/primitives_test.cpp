@@ -8,7 +8,7 @@
 #include "nimbara/Notifier.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 #include "printed_text.hpp"
 #include "support/temp_folder.hpp"
 
@@ -107,7 +107,7 @@ TEST(Primitives, FailuresAreLoggedAndSwallowed)
 {
     nimbara::testing::TempFolder folder;
     const auto& dir = folder.path();
-    nimbara::platform::PdfSurface pdf(dir / "never.pdf");
+    nimbara::PdfSurface pdf(dir / "never.pdf");
     pdf.setDrawMode(9);  // the PDF surface draws boxes in copy mode only
 
     CapturingNotifier notes;

@@ -5,7 +5,7 @@ namespace nimbara::testing {
 GuiaArrays sample_guia()
 {
     GuiaArrays g;
-    const auto cab = [&](int field, const char* v) { g.arrCabecalho.set(field, 0, std::string(v)); };
+    const auto cab = [&](auto field, const char* v) { g.arrCabecalho.set(field, 0, std::string(v)); };
     g.arrCabecalho.ensure_rows(2);
     cab(cab::N_Req, "1027");
     cab(cab::CodCliente, "456");
@@ -26,14 +26,14 @@ GuiaArrays sample_guia()
     cab(cab::IDReqAnual, "7");
     cab(cab::TipoAcesso, "0");
     const char* params[] = {"3", "0", "16", "0", "2", "0", "0", "0", "1", "0", "0", "0"};
-    for (int f = 0; f < param::kFields; ++f) g.arrParametros.set(f, 0, std::string(params[f]));
+    for (const auto f : param::Table::fields()) g.arrParametros.set(f, 0, std::string(params[static_cast<int>(f)]));
     return g;
 }
 
 int add_line(GuiaArrays& g, const LineShape& l)
 {
     const int row = g.arrGuia.add_row();
-    const auto set = [&](int field, const std::string& v) { g.arrGuia.set(field, row, v); };
+    const auto set = [&](auto field, const std::string& v) { g.arrGuia.set(field, row, v); };
     set(guia::A_Zona_Taxacao, l.zone);
     set(guia::B_Produto, l.product);
     set(guia::E_Velocidade, "0");

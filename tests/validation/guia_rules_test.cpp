@@ -6,7 +6,6 @@
 #include "validation/guia_rules.hpp"
 
 using nimbara::Cell;
-using nimbara::FieldTable;
 namespace guia = nimbara::guia;
 namespace v = nimbara::validation;
 
@@ -21,9 +20,9 @@ struct L {
     const char* division = "";
 };
 
-FieldTable lines(const std::vector<L>& ls)
+guia::Table lines(const std::vector<L>& ls)
 {
-    FieldTable t(guia::kFields);
+    guia::Table t;
     for (const auto& l : ls) {
         const int row = t.add_row();
         t.set(guia::B_Produto, row, l.product);
@@ -36,9 +35,9 @@ FieldTable lines(const std::vector<L>& ls)
     return t;
 }
 
-FieldTable header(Cell access_type)
+nimbara::cab::Table header(Cell access_type)
 {
-    FieldTable t(nimbara::cab::kFields);
+    nimbara::cab::Table t;
     t.ensure_rows(2);
     t.set(nimbara::cab::TipoAcesso, 0, std::move(access_type));
     return t;
@@ -93,7 +92,7 @@ TEST(DoValidaGuia, ChecksInOrderFirstFailureWinsWithItsText)
         }
     }
     // Lines without a header cannot tell their access type, which fails the access check.
-    const auto no_header = v::DoValidaGuia(lines({{"C01", "01", "1"}}), FieldTable(nimbara::cab::kFields));
+    const auto no_header = v::DoValidaGuia(lines({{"C01", "01", "1"}}), nimbara::cab::Table{});
     EXPECT_EQ(no_header ? no_header->number : 0, -15);
 }
 

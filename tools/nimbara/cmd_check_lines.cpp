@@ -1,11 +1,14 @@
 // nimbara check-lines [FILE]: judges a batch of product lines, one result line per input line.
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "commands.hpp"
-#include "line_batch.hpp"
+#include "nimbara/line_batch.hpp"
 
 namespace nimbara::cli {
 
@@ -15,15 +18,18 @@ void register_check_lines(CLI::App& app, int& status)
         "check-lines",
         "Validate product lines: each input line holds the ten arguments of DoValidaProduto, tab-separated");
     auto file = std::make_shared<std::string>();
-    cmd->add_option("FILE", *file, "The batch file; standard input when omitted");
+    cmd->add_option("FILE", *file, "The batch file; standard input when omitted or -");
+    cmd->footer("Exit status: 0 every row was judged (failing lines included), 2 a row could not be judged or the "
+                "input could not be read.\nExample:\n  nimbara check-lines examples/lines.tsv");
     cmd->callback([file, &status] {
         std::ifstream stream;
         std::istream* in = &std::cin;
         std::string source = "<stdin>";
-        if (!file->empty()) {
+        if (!file->empty() && *file != "-") {
             stream.open(*file, std::ios::binary);
-            if (!stream) {
-                std::cerr << "nimbara check-lines: cannot open " << *file << '\n';
+            if (!stream || std::filesystem::is_directory(*file)) {
+                std::cerr << "nimbara check-lines: cannot open " << *file << ": "
+                          << (stream ? "is a folder" : std::strerror(errno)) << '\n';
                 status = 2;
                 return;
             }
@@ -31,9 +37,10 @@ void register_check_lines(CLI::App& app, int& status)
             source = *file;
         }
         std::ios::sync_with_stdio(false);
+        std::cin.tie(nullptr);  // a flush of the answers for every line read would cost more than the check
         const BatchSummary summary = check_line_batch(*in, std::cout, std::cerr, source);
         std::cout.flush();
-        if (summary.refused > 0) status = 2;
+        if (summary.refused > 0 || summary.read_failed) status = 2;
     });
 }
 

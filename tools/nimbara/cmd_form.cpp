@@ -6,7 +6,7 @@
 #include "commands.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "platform/pdf_surface.hpp"
+#include "nimbara/PdfSurface.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -24,11 +24,11 @@ struct FormOptions {
 
 int print_form(const FormOptions& o)
 {
-    platform::PdfSurface surface{std::filesystem::path(o.out)};
+    PdfSurface surface{std::filesystem::path(o.out)};
     try {
         // As the print drive prepares the printer: A4 landscape.
-        surface.setOrientation(2);
-        surface.setPaperSize(9);
+        surface.setOrientation(printer::kLandscape);
+        surface.setPaperSize(printer::kPaperA4);
         surface.setTrackDefault(false);
         surface.StartDoc();
     } catch (const std::exception& e) {
@@ -42,15 +42,16 @@ int print_form(const FormOptions& o)
     printer.PrintTestPage(surface, form_impressao(), o.copy, o.date);
     try {
         surface.EndDoc();
-        std::cout << o.out << '\n';
-        if (!o.png.empty()) {
-            surface.render_png(1, o.dpi, o.png);
-            std::cout << o.png << '\n';
-        }
+        if (!o.png.empty()) surface.render_png(1, o.dpi, o.png);
     } catch (const std::exception& e) {
+        // The command makes both files or neither.
+        std::error_code ignored;
+        for (const auto& written : surface.written()) std::filesystem::remove(written, ignored);
         std::cerr << "nimbara form: " << e.what() << '\n';
         return 2;
     }
+    std::cout << surface.written().front().string() << '\n';
+    if (!o.png.empty()) std::cout << o.png << '\n';
     return 0;
 }
 
@@ -65,10 +66,13 @@ void register_form(CLI::App& app, int& status)
     cmd->add_option("--dpi", o->dpi, "Resolution of the PNG (default 150)")->check(CLI::Range(10.0, 2400.0));
     cmd->add_option("--edition", o->edition, "array (headless road, default) or database")
         ->check(CLI::IsMember({"array", "database"}));
-    cmd->add_option("--copy", o->copy, "0 prints \"Original\", N prints \"Duplicado N\"")->check(CLI::NonNegativeNumber);
+    cmd->add_option("--copy", o->copy, "0 prints \"Original\", N prints \"Duplicado N\"")->check(CLI::Range(0, 32767).description("0 to 32767"));
     cmd->add_option("--date", o->date, "The request date as printed, e.g. 2024-03-15");
     cmd->add_option("--left", o->left, "Left offset of the page in millimetres");
     cmd->add_option("--top", o->top, "Top offset of the page in millimetres");
+    cmd->footer("Exit status: 0 written, 2 a bad option or a file that cannot be written (nothing is left).\n"
+                "An existing file is never replaced: the PDF's name gains -2, -3...\n"
+                "Example:\n  nimbara form --out form.pdf --png form.png --edition database --copy 1");
     cmd->callback([o, &status] { status = print_form(*o); });
 }
 

@@ -2,68 +2,196 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <iostream>
+#include <nlohmann/json.hpp>
 
-#include "foundation/file_names.hpp"
-#include "guia_file.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/guia_file.hpp"
 
 namespace nimbara::cli {
 namespace {
 
-// The report is written without a word when it cannot be, so the folder is checked beforehand.
-std::optional<std::string> unusable_folder(const std::string& what, const std::filesystem::path& folder)
+namespace fs = std::filesystem;
+
+// Messages of the print run: the log's debugging echoes only when asked for, the rest unless quiet.
+class ProgramNotifier final : public Notifier {
+public:
+    ProgramNotifier(std::ostream& err, bool quiet, bool verbose) : err_(err), quiet_(quiet), verbose_(verbose) {}
+    void message(MessageIcon icon, std::string_view title, std::string_view text) override
+    {
+        if (icon == MessageIcon::None ? !verbose_ : quiet_) return;
+        err_ << (title.empty() ? std::string_view("nimbara") : title) << ": " << text << '\n';
+    }
+    void busy(bool) override {}
+    void progress(int) override {}
+
+private:
+    std::ostream& err_;
+    bool quiet_;
+    bool verbose_;
+};
+
+struct Refusal {
+    std::string message;
+};
+
+GuiaFile read_input(const std::string& file)
 {
-    std::error_code ec;
-    if (!std::filesystem::is_directory(folder, ec)) return what + " " + folder.string() + " is not a folder";
-    if (::access(folder.c_str(), W_OK | X_OK) != 0) return what + " " + folder.string() + " is not writable";
-    return std::nullopt;
+    if (file != "-") return read_guia_file(file);
+    std::string text;
+    char buffer[65536];
+    while (std::cin.read(buffer, sizeof buffer) || std::cin.gcount() > 0) {
+        text.append(buffer, static_cast<std::size_t>(std::cin.gcount()));
+        if (text.size() > kMaxGuiaFileBytes)
+            throw GuiaFileError("<stdin>: larger than " + std::to_string(kMaxGuiaFileBytes) + " bytes");
+    }
+    if (std::cin.bad()) throw GuiaFileError("<stdin>: cannot read standard input");
+    return parse_guia_file(text, "<stdin>");
 }
 
-std::string between(const std::string& text, std::string_view open, std::string_view close)
+// Creates the folder with its parents when it is missing.
+fs::path usable_folder(const std::string& what, const fs::path& folder)
 {
-    const auto start = text.find(open);
-    if (start == std::string::npos) return {};
-    const auto from = start + open.size();
-    const auto end = text.find(close, from);
-    return end == std::string::npos ? std::string() : text.substr(from, end - from);
+    std::error_code ec;
+    fs::create_directories(folder, ec);
+    if (ec) throw Refusal{"cannot create the " + what + " \"" + folder.string() + "\": " + ec.message()};
+    if (!fs::is_directory(folder, ec)) throw Refusal{"the " + what + " \"" + folder.string() + "\" is not a folder"};
+    return folder;
+}
+
+// Beside the program when its folder can be written (as the component always logged), otherwise in
+// the user's state folder.
+fs::path default_print_log()
+{
+    std::error_code ec;
+    const auto program = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec && ::access(program.parent_path().c_str(), W_OK) == 0) return program.parent_path() / "nimbara.log";
+    const char* state = std::getenv("XDG_STATE_HOME");
+    const char* home = std::getenv("HOME");
+    const fs::path base = state && *state ? fs::path(state) : fs::path(home ? home : ".") / ".local" / "state";
+    return usable_folder("print log folder", base / "nimbara") / "nimbara.log";
+}
+
+nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems, int status)
+{
+    nlohmann::json j;
+    j["answer"] = guia_answer(outcome);
+    j["erro_id"] = outcome.failure || outcome.errors ? -1 : 0;
+    j["report"] = outcome.report ? nlohmann::json(outcome.report->string()) : nlohmann::json(nullptr);
+    j["pdfs"] = nlohmann::json::array();
+    for (const auto& p : outcome.printed) j["pdfs"].push_back(p.string());
+    j["errors"] = nlohmann::json::array();
+    const auto error_json = [](const ErrorArray& e) {
+        nlohmann::json d;
+        d["number"] = e.number;
+        if (const auto* list = std::get_if<ListArray>(&e.description)) d["services"] = *list;
+        else d["description"] = std::get<std::string>(e.description);
+        return d;
+    };
+    for (const auto& e : outcome.line_errors) {
+        auto d = error_json(e.error);
+        d["line"] = e.N_Linha;
+        d["place"] = "/produtos/" + std::to_string(e.row);
+        j["errors"].push_back(d);
+    }
+    if (outcome.guia_error) {
+        auto d = error_json(*outcome.guia_error);
+        d["place"] = "/";
+        j["errors"].push_back(d);
+    }
+    j["not_printed"] = nlohmann::json::array();
+    for (const auto& p : problems) j["not_printed"].push_back({{"place", p.where}, {"what", p.cause}});
+    for (const auto& f : outcome.print_failures) j["not_printed"].push_back({{"place", "/"}, {"what", f}});
+    j["exit"] = status;
+    return j;
+}
+
+int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command)
+{
+    const GuiaFile file = read_input(run.file);
+    const std::string source = run.file == "-" ? "<stdin>" : run.file;
+    // Both inputs read a weight the same way: a whole number of 32 bits (a weight not given is 0, as
+    // the façade reads an empty cell).
+    for (std::size_t i = 0; i < file.produtos.size(); ++i) {
+        if (!file.produtos[i].Escalao.empty() && !read_weight(file.produtos[i].Escalao))
+            throw Refusal{source + ": /produtos/" + std::to_string(i) + "/Escalao: \"" + file.produtos[i].Escalao +
+                          "\" is not a whole number of 32 bits"};
+    }
+
+    const fs::path reports = usable_folder("report folder", run.report_dir ? fs::path(*run.report_dir) : fs::path("."));
+    ProgramNotifier notes(err, run.quiet, run.verbose);
+    cls_ValProdutosA guia;
+    guia.setNotifier(&notes);
+    guia.setReportFolder(reports);
+    guia.setPrintingEnabled(run.printing);
+    if (run.printing) {
+        guia.setPrintFolder(run.out_dir ? usable_folder("output folder", *run.out_dir) : reports);
+        guia.setPrintLog(run.print_log ? fs::path(*run.print_log) : default_print_log());
+    }
+    if (const auto refused = fill_guia(guia, file)) throw Refusal{source + ": " + *refused};
+
+    // What would not print whole is found before printing: the Guia is then validated and reported only.
+    std::vector<Failure> problems;
+    if (run.printing) {
+        problems = guia.PrintProblems();
+        if (!problems.empty()) guia.setPrintingEnabled(false);
+    }
+    if (run.only_printer && !problems.empty()) {
+        for (const auto& p : problems) err << "nimbara " << command << ": not printed: " << p.where << ": " << p.cause << '\n';
+        return 3;
+    }
+
+    const GuiaOutcome outcome = guia.ImprimeGuiaOutcome(run.only_printer);
+    if (outcome.failure) throw Refusal{source + ": " + outcome.failure->cause};
+
+    int status = outcome.errors ? 1 : 0;
+    if (status == 0 && run.printing) {
+        const bool whole = problems.empty() && outcome.print_failures.empty() && outcome.copies > 0 &&
+                           outcome.printed.size() == static_cast<std::size_t>(outcome.copies);
+        if (!whole) status = 3;
+    }
+    if (run.json) {
+        out << as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, status).dump(2) << '\n';
+    } else {
+        out << guia_answer(outcome) << '\n';
+    }
+    if (!run.quiet)
+        for (const auto& pdf : outcome.printed) err << "nimbara " << command << ": printed " << pdf.string() << '\n';
+    if (status == 3) {
+        for (const auto& p : problems) err << "nimbara " << command << ": not printed: " << source << ": " << p.where << ": " << p.cause << '\n';
+        for (const auto& f : outcome.print_failures) err << "nimbara " << command << ": not printed whole: " << f << '\n';
+        if (problems.empty() && outcome.print_failures.empty())
+            err << "nimbara " << command << ": " << outcome.printed.size() << " of " << file.parametros.vGuiaNVias
+                << " copies printed\n";
+    }
+    return status;
 }
 
 }  // namespace
 
-int run_guia(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command)
+void add_guia_options(CLI::App& cmd, GuiaRun& r)
 {
-    const auto refuse = [&](const std::string& message) {
-        err << "nimbara " << command << ": " << message << '\n';
-        return 2;
-    };
+    cmd.add_option("GUIA", r.file, "The Guia file (JSON); - reads standard input")->required();
+    cmd.add_option("--report-dir", r.report_dir, "Folder of the report, created if missing (default: the current folder)");
+    cmd.add_flag("--json", r.json, "Write the result as JSON: answer, report, PDFs, errors with their place");
+    cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");
+    cmd.add_flag("-v,--verbose", r.verbose, "Also show the print log's debugging messages");
+}
 
-    GuiaFile file;
+int run_guia(const GuiaRun& r, std::ostream& out, std::ostream& err, const std::string& command)
+{
     try {
-        file = read_guia_file(run.file);
+        return run(r, out, err, command);
     } catch (const GuiaFileError& e) {
-        return refuse(e.what());
+        err << "nimbara " << command << ": " << e.what() << '\n';
+    } catch (const Refusal& e) {
+        err << "nimbara " << command << ": " << e.message << '\n';
     }
-
-    cls_ValProdutosA guia;
-    if (run.report_dir) guia.setReportFolder(*run.report_dir);
-    if (run.out_dir) guia.setPrintFolder(*run.out_dir);
-    guia.setPrintingEnabled(run.printing);
-    if (!run.only_printer) {
-        if (const auto problem = unusable_folder("report folder", guia.reportFolder())) return refuse(*problem);
-    }
-    // Printing failures only reach the print log, so the output folder is checked beforehand too.
-    if (run.printing) {
-        if (const auto problem = unusable_folder("output folder", guia.printFolder())) return refuse(*problem);
-    }
-    if (const auto refused = fill_guia(guia, file)) return refuse(run.file + ": " + *refused);
-
-    const std::string answer = guia.ImprimeGuia(run.only_printer);
-    const std::string log_file = between(answer, "<LOG_FILE>", "</LOG_FILE>");
-    if (!run.only_printer && log_file != "Nao Disponivel" && !GlobalFrameWork::FileExists(log_file))
-        return refuse("the report " + log_file + " could not be written");
-    out << answer << '\n';
-    return between(answer, "<ERRO_ID>", "</ERRO_ID>") == "0" ? 0 : 1;
+    return 2;
 }
 
 }  // namespace nimbara::cli

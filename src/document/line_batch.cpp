@@ -1,14 +1,14 @@
-#include "line_batch.hpp"
+#include "nimbara/line_batch.hpp"
 
 #include <array>
 #include <string_view>
 #include <variant>
 #include <vector>
 
-#include "foundation/text.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/guia_file.hpp"
 
-namespace nimbara::cli {
+namespace nimbara {
 namespace {
 
 constexpr std::size_t kFields = 10;
@@ -50,7 +50,7 @@ BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream&
         std::optional<std::int32_t> weight;
         if (fields.size() != kFields) {
             reason = "expected " + std::to_string(kFields) + " tab-separated fields, found " + std::to_string(fields.size());
-        } else if (weight = text::parse_int32(fields[2]); !weight) {
+        } else if (weight = read_weight(fields[2]); !weight) {
             reason = "weight \"" + std::string(fields[2]) + "\" is not a 32-bit whole number";
         }
         if (!reason.empty()) {
@@ -64,7 +64,11 @@ BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream&
                                                       fields[6], fields[7], fields[8], fields[9]);
         out << (result ? describe(*result) : std::string("0")) << '\n';
     }
+    if (in.bad()) {
+        summary.read_failed = true;
+        err << source << ':' << summary.lines + 1 << ": the input could not be read; the batch ends here\n";
+    }
     return summary;
 }
 
-}  // namespace nimbara::cli
+}  // namespace nimbara

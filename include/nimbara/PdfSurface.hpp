@@ -1,16 +1,19 @@
 #pragma once
-// The page surface that prints: each print job (everything up to EndDoc) becomes one PDF file, and
-// any page of the current or last job can be rendered to an image or a PNG file for previews.
+// The page surface that prints: each print job (everything up to EndDoc) becomes one PDF, written to a
+// file or handed to the host as bytes, and any page of the current or last job can be rendered to an
+// image or a PNG file for previews.
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "nimbara/PageSurface.hpp"
+#include "nimbara/export.hpp"
 
-namespace nimbara::platform {
+namespace nimbara {
 
 // A rendered page: 0x00RRGGBB pixels, row-major.
 struct RasterImage {
@@ -21,14 +24,20 @@ struct RasterImage {
     std::uint32_t at(int x, int y) const { return rgb[static_cast<std::size_t>(y) * width + x]; }
 };
 
-class PdfSurface final : public PageSurface {
+class NIMBARA_API PdfSurface final : public PageSurface {
 public:
-    // Gives the file of each print job, counted from 1.
-    using JobNamer = std::function<std::filesystem::path(int job)>;
+    // Gives the file of each print job, counted from 1, and the names to try after it when it is
+    // taken (attempt 2, 3...): a job's file never replaces another file.
+    using JobNamer = std::function<std::filesystem::path(int job, int attempt)>;
+    // Receives each finished job's whole PDF, counted from 1.
+    using DocumentSink = std::function<void(int job, std::string pdf)>;
 
     explicit PdfSurface(JobNamer namer);
-    // Job 1 writes `pdf`; a later job n writes the same name with "-n" before the extension.
+    // Job 1 writes `pdf`; a later job n writes the same name with "-n" before the extension; a
+    // taken name gains "-2", "-3"... after that.
     explicit PdfSurface(const std::filesystem::path& pdf);
+    // Every job goes to the sink instead of a file.
+    explicit PdfSurface(DocumentSink sink);
     ~PdfSurface() override;
     PdfSurface(const PdfSurface&) = delete;
     PdfSurface& operator=(const PdfSurface&) = delete;
@@ -58,7 +67,8 @@ public:
                       double module_height) override;
     void NewPage() override;
     // Finishes the job's file; a job that could not be written throws here with the reason, and
-    // leaves no file behind.
+    // leaves no file behind. The file is written under a temporary name in its folder and takes its
+    // name only when whole.
     void EndDoc() override;
 
     // Opens the job's file now rather than at the first drawing call, so that an output place that
@@ -78,4 +88,4 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-}  // namespace nimbara::platform
+}  // namespace nimbara

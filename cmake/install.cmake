@@ -1,0 +1,27 @@
+# What `cmake --install` puts in place: headers, both libraries, the program, the CMake package and
+# nimbara.pc.
+include(CMakePackageConfigHelpers)
+
+set(NIMBARA_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/nimbara)
+install(TARGETS nimbara nimbara_static EXPORT nimbaraTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(NIMBARA_BUILD_PROGRAM)
+  install(TARGETS nimbara_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+install(DIRECTORY include/nimbara DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${NIMBARA_GENERATED_INCLUDE}/nimbara/version.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nimbara)
+
+install(EXPORT nimbaraTargets NAMESPACE nimbara:: DESTINATION ${NIMBARA_CMAKE_DIR})
+configure_package_config_file(cmake/nimbaraConfig.cmake.in ${CMAKE_BINARY_DIR}/nimbaraConfig.cmake
+  INSTALL_DESTINATION ${NIMBARA_CMAKE_DIR})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/nimbaraConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/nimbaraConfig.cmake ${CMAKE_BINARY_DIR}/nimbaraConfigVersion.cmake
+  DESTINATION ${NIMBARA_CMAKE_DIR})
+
+# pkg-config: the shared library by default, the static one's third-party libraries with --static.
+set(NIMBARA_PC_REQUIRES_PRIVATE "pangocairo cairo cairo-pdf cairo-png fontconfig libmdb sqlite3 libpq")
+set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS}")
+configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,128 @@
+#include "foundation/pending_file.hpp"
+
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <system_error>
+
+namespace nimbara {
+namespace {
+
+// The temporaries alive in this process, in fixed slots so that a signal handler can walk them
+// without allocating or locking.
+constexpr std::size_t kSlots = 64;
+constexpr std::size_t kPathMax = 4096;
+struct Slot {
+    std::atomic<bool> used{false};
+    char path[kPathMax];
+};
+std::array<Slot, kSlots> g_slots;
+std::mutex g_slots_mutex;
+
+Slot* claim_slot(const std::string& path)
+{
+    if (path.size() >= kPathMax) return nullptr;
+    const std::lock_guard lock(g_slots_mutex);
+    for (auto& s : g_slots) {
+        if (s.used.load()) continue;
+        std::memcpy(s.path, path.c_str(), path.size() + 1);
+        s.used.store(true);
+        return &s;
+    }
+    return nullptr;  // more live temporaries than slots: only the signal cleanup misses them
+}
+
+void release_slot(const std::string& path)
+{
+    const std::lock_guard lock(g_slots_mutex);
+    for (auto& s : g_slots)
+        if (s.used.load() && path == s.path) {
+            s.used.store(false);
+            return;
+        }
+}
+
+[[noreturn]] void fail(int error, const std::string& what)
+{
+    throw std::system_error(error, std::generic_category(), what);
+}
+
+}  // namespace
+
+PendingFile::PendingFile(const std::filesystem::path& folder)
+{
+    std::string pattern = (folder.empty() ? std::filesystem::path(".") : folder) / ".nimbara-XXXXXX.part";
+    const int fd = ::mkstemps(pattern.data(), 5);
+    if (fd < 0) fail(errno, "cannot write in the folder \"" + folder.string() + "\"");
+    stream_ = ::fdopen(fd, "wb");
+    if (!stream_) {
+        const int error = errno;
+        ::close(fd);
+        ::unlink(pattern.c_str());
+        fail(error, "cannot write in the folder \"" + folder.string() + "\"");
+    }
+    temporary_ = pattern;
+    claim_slot(pattern);
+}
+
+PendingFile::~PendingFile() { discard(); }
+
+void PendingFile::write(std::string_view bytes)
+{
+    if (!stream_) fail(EBADF, "the file was already closed");
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size())
+        fail(errno, "cannot write \"" + temporary_.parent_path().string() + "\"");
+}
+
+std::filesystem::path PendingFile::publish(const std::function<std::filesystem::path(int attempt)>& candidate)
+{
+    const auto folder = temporary_.parent_path().string();
+    if (!stream_) fail(EBADF, "the file was already closed");
+    const bool flushed = std::fflush(stream_) == 0 && !std::ferror(stream_);
+    const int flush_error = errno;
+    const bool closed = std::fclose(stream_) == 0;
+    const int close_error = errno;
+    stream_ = nullptr;
+    if (!flushed || !closed) {
+        discard();
+        fail(!flushed ? flush_error : close_error, "cannot write in the folder \"" + folder + "\"");
+    }
+    for (int attempt = 1;; ++attempt) {
+        const auto name = candidate(attempt);
+        if (::link(temporary_.c_str(), name.c_str()) == 0) {
+            discard();
+            return name;
+        }
+        if (errno != EEXIST) {
+            const int error = errno;
+            discard();
+            fail(error, "cannot write \"" + name.string() + "\"");
+        }
+    }
+}
+
+void PendingFile::discard()
+{
+    if (stream_) {
+        std::fclose(stream_);
+        stream_ = nullptr;
+    }
+    if (!temporary_.empty()) {
+        ::unlink(temporary_.c_str());
+        release_slot(temporary_.string());
+        temporary_.clear();
+    }
+}
+
+void remove_pending_files_on_signal()
+{
+    for (auto& s : g_slots)
+        if (s.used.load()) ::unlink(s.path);
+}
+
+}  // namespace nimbara

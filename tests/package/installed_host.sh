@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the built package into a fresh prefix, builds a tiny host against it with CMake (shared and
+# static) and with pkg-config, runs each, and checks that the shared library exports only the public API.
+set -euo pipefail
+build=$1 source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix=$work/prefix
+cmake --install "$build" --prefix "$prefix" >/dev/null
+
+lib=$(find "$prefix" -name 'libnimbara.so.5.3.15')
+[[ -n $lib ]] || { echo "libnimbara.so.5.3.15 not installed" >&2; exit 1; }
+[[ $(objdump -p "$lib" | awk '/SONAME/ {print $2}') == libnimbara.so.5 ]] || { echo "wrong SONAME" >&2; exit 1; }
+[[ -x $prefix/bin/nimbara ]] || { echo "the program is not installed" >&2; exit 1; }
+[[ ! -e $prefix/include/foundation ]] || { echo "private headers installed" >&2; exit 1; }
+
+# Every exported symbol of ours lives in the nimbara namespace and is declared in a public header.
+leaked=$(nm -DC --defined-only "$lib" | awk '$2 ~ /^[TWBDVR]$/ {$1=$2=""; print}' | grep -v '^ *nimbara::' |
+         grep -vE '^ *(typeinfo|vtable|VTT|guard variable|_init|_fini|std::|__gnu|void std::|.*std::.*)' || true)
+[[ -z $leaked ]] || { echo "symbols outside the API are exported:" >&2; echo "$leaked" >&2; exit 1; }
+for hidden in 'nimbara::validation::' 'nimbara::document::' 'nimbara::platform::' 'nimbara::text::' 'nimbara::printing::'; do
+  if nm -DC --defined-only "$lib" | grep -q "$hidden"; then echo "internal $hidden symbols are exported" >&2; exit 1; fi
+done
+
+cmake -S "$source/tests/package/host" -B "$work/host" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/host" >/dev/null
+LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/host/host" | grep -qx '5.3.15 0'
+"$work/host/host_static" | grep -qx '5.3.15 0'
+
+export PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name nimbara.pc)")
+c++ -o "$work/pc_host" "$source/tests/package/host/main.cpp" $(pkg-config --cflags --libs nimbara)
+LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/pc_host" | grep -qx '5.3.15 0'
+echo "installed package: found by CMake and pkg-config, hosts run, only the public API exported"
