@@ -15,6 +15,8 @@ constexpr const char* kCode = "VARCHAR(10)";
 constexpr const char* kShortText = "VARCHAR(50)";
 constexpr const char* kName = "VARCHAR(100)";
 constexpr const char* kLongText = "VARCHAR(255)";
+// Remarks were memo fields: the old files hold some of more than twenty thousand characters.
+constexpr const char* kMemo = "TEXT";
 
 struct Column {
     const char* name;
@@ -45,7 +47,7 @@ const std::vector<Table>& tables()
         {"Tbl_Cliente",
          {{"Id_Cliente", kLong}, {"Cod_Cliente", kLong}, {"Nome", kName}, {"iTipoCliente", kShort},
           {"Morada", kLongText}, {"Localidade", kName}, {"Cod_Postal", kShortText}, {"Desig_Postal", kName},
-          {"NContribuinte", kShortText}, {"Observacoes", kLongText}, {"IAcessoRede", kShort}},
+          {"NContribuinte", kShortText}, {"Observacoes", kMemo}, {"IAcessoRede", kShort}},
          "Id_Cliente"},
         {"Tbl_Contrato",
          {{"Id_Cliente", kLong}, {"Cod_Cliente", kLong}, {"Cod_Contrato", kLong}, {"Designacao", kName},
@@ -56,7 +58,7 @@ const std::vector<Table>& tables()
          {{"N_Req", kLong}, {"N_Req2", kLong}, {"Id_Req_Anual", kLong}, {"Id_Cliente", kLong},
           {"Cod_Cliente", kLong}, {"Cod_Contrato", kLong}, {"CodigoTerceiro", kShortText}, {"N_Pag", kLong},
           {"D_Req", kDate}, {"Pagamento", kShort}, {"Credenciado", kYesNo}, {"N_Credencial", kShortText},
-          {"Recolhido", kYesNo}, {"Situacao", kShortText}, {"Ficheiro", kLongText}, {"Observacoes", kLongText},
+          {"Recolhido", kYesNo}, {"Situacao", kShortText}, {"Ficheiro", kLongText}, {"Observacoes", kMemo},
           {"nCompromisso", kShortText}},
          "N_Req"},
         {"Tbl_Linha",
