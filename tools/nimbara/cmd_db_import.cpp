@@ -54,6 +54,15 @@ private:
     bool drawn_ = false;
 };
 
+// The notifier in force for as long as the object lives.
+class NotifierInForce {
+public:
+    explicit NotifierInForce(Notifier& n) { set_notifier(&n); }
+    ~NotifierInForce() { set_notifier(nullptr); }
+    NotifierInForce(const NotifierInForce&) = delete;
+    NotifierInForce& operator=(const NotifierInForce&) = delete;
+};
+
 struct Options {
     std::string file, version, procedure, conn;
 };
@@ -74,7 +83,7 @@ int import(const Options& o)
     }
     cls_Importacao importacao(open_command_database(o.conn));
     ImportNotifier shown;
-    set_notifier(&shown);
+    const NotifierInForce in_force(shown);
     const std::filesystem::path file(o.file);
     const std::string folder = file.parent_path().string();
     const std::string name = file.filename().string();
@@ -84,7 +93,6 @@ int import(const Options& o)
     } else {
         importacao.DoImportDadosBy(procedure, folder, name);
     }
-    set_notifier(nullptr);
     if (!importacao.Succeeded()) return 1;
     const ImportCounts& n = importacao.LastCounts();
     std::cout << "brought in " << n.Clientes << " clients, " << n.Contratos << " contracts, " << n.Guias << " Guias, "
