@@ -48,18 +48,8 @@ public:
 
     std::int64_t execute(std::string_view sql, std::span<const FieldValue> values = {}) override
     {
-        // The last statement stays prepared: imports and saves run the same one row after row.
-        if (!last_ || last_sql_ != sql) {
-            last_.reset();
-            last_ = compile(sql);
-            last_sql_ = sql;
-        }
-        sqlite3_stmt* s = last_.get();
-        // Reset on the way out, failure included, so that the statement holds nothing of the file.
-        const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_reset)> done(s, &sqlite3_reset);
-        sqlite3_clear_bindings(s);
-        bind_all(s, values, sql);
-        while (step(s, sql)) {
+        const auto stmt = prepare(sql, values);
+        while (step(stmt.get(), sql)) {
         }
         return sqlite3_changes64(db_.get());
     }
@@ -118,26 +108,16 @@ private:
         throw DatabaseError(std::string(sqlite3_errmsg(db_.get())) + " (in: " + std::string(sql) + ")");
     }
 
-    Statement compile(std::string_view sql)
+    Statement prepare(std::string_view sql, std::span<const FieldValue> values)
     {
         sqlite3_stmt* raw = nullptr;
         if (sqlite3_prepare_v2(db_.get(), sql.data(), static_cast<int>(sql.size()), &raw, nullptr) != SQLITE_OK)
             fail(sql);
-        return Statement(raw);
-    }
-
-    void bind_all(sqlite3_stmt* s, std::span<const FieldValue> values, std::string_view sql) const
-    {
-        if (sqlite3_bind_parameter_count(s) != static_cast<int>(values.size()))
-            throw DatabaseError("the statement takes " + std::to_string(sqlite3_bind_parameter_count(s)) +
+        Statement stmt(raw);
+        if (sqlite3_bind_parameter_count(raw) != static_cast<int>(values.size()))
+            throw DatabaseError("the statement takes " + std::to_string(sqlite3_bind_parameter_count(raw)) +
                                 " values, " + std::to_string(values.size()) + " given (in: " + std::string(sql) + ")");
-        for (std::size_t i = 0; i < values.size(); ++i) bind(s, static_cast<int>(i) + 1, values[i], sql);
-    }
-
-    Statement prepare(std::string_view sql, std::span<const FieldValue> values)
-    {
-        Statement stmt = compile(sql);
-        bind_all(stmt.get(), values, sql);
+        for (std::size_t i = 0; i < values.size(); ++i) bind(raw, static_cast<int>(i) + 1, values[i], sql);
         return stmt;
     }
 
@@ -196,9 +176,6 @@ private:
     }
 
     std::unique_ptr<sqlite3, CloseDb> db_;
-    // After db_, so that it is finalized before the connection closes.
-    std::string last_sql_;
-    Statement last_;
 };
 
 }  // namespace
