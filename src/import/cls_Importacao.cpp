@@ -117,7 +117,8 @@ std::int16_t cls_Importacao::FileExists(const std::string& strFile)
 void cls_Importacao::DeleteDados()
 {
     Database& db = entities::require(myConn);
-    for (const char* table : {"Tbl_Linha_ServicoEspecial", "TBL_LINHA", "TBL_CAB", "TBL_CONTRATO", "TBL_CLIENTE"}) {
+    // Each table on a transaction of its own: a failure leaves the tables before it emptied.
+    for (const char* table : import::kDataTables) {
         Transaction t(db);
         db.execute("DELETE FROM " + std::string(table));
         t.commit();

@@ -9,9 +9,6 @@
 namespace nimbara::import {
 namespace {
 
-constexpr const char* kDataTables[] = {"Tbl_Linha_ServicoEspecial", "Tbl_Linha", "Tbl_Cab", "Tbl_Contrato",
-                                       "Tbl_Cliente"};
-
 std::string insert_statement(const TableCopy& table)
 {
     std::string names, marks;

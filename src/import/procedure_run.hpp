@@ -21,7 +21,11 @@ public:
 // The rows that came in, table by table in the order the procedure copies them.
 using TableCounts = std::array<std::int64_t, 5>;
 
-// Empties the data tables: services, lines, headers, contracts, clients.
+// The five data tables in the order they are emptied: services, lines, headers, contracts, clients.
+inline constexpr const char* kDataTables[] = {"Tbl_Linha_ServicoEspecial", "Tbl_Linha", "Tbl_Cab", "Tbl_Contrato",
+                                              "Tbl_Cliente"};
+
+// Empties the data tables on the caller's transaction.
 void delete_data(Database& target);
 
 // Runs `procedure` from `source` into `target` and commits; `progress` hears the bar's value after
