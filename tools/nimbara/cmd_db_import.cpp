@@ -37,6 +37,11 @@ public:
             std::cout << "progress " << value << std::endl;
             return;
         }
+        // The reset to 0 at the end (or after a failure) closes the bar rather than drawing it empty.
+        if (value == 0) {
+            end_bar();
+            return;
+        }
         constexpr int kWidth = 40;
         const int filled = value * kWidth / 100;
         std::cout << "\r[" << std::string(static_cast<std::size_t>(filled), '#')
