@@ -131,7 +131,8 @@ private:
     std::vector<FieldValue> values_;
 };
 
-// The sort key of a numbered table: its rows are few (the kept versions only number), so they are read whole.
+// Tables whose numbering needs the old ORDER BY (in the kept versions only) are read whole and sorted
+// on this key; every other table streams in its stored order.
 std::int64_t order_of(const platform::OldRow& row, int field)
 {
     return column_value(row[static_cast<std::size_t>(field)], Kind::Long).integer();
