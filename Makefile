@@ -27,8 +27,9 @@ build: configure
 demo: build
 	@scripts/demo $(BUILD_DIR)
 
+# The database tests run on SQLite and on a PostgreSQL server started for the run and removed after.
 test: build
-	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+	@cd $(BUILD_DIR) && $(CURDIR)/scripts/with-postgres ctest --output-on-failure -j $(JOBS)
 
 # Lightly optimised, only what the tests need, so that it fits beside the normal build in CI.
 sanitize: deps

@@ -2,6 +2,9 @@
 
 #include <cstdio>
 
+#include "platform/jet_source.hpp"
+#include "platform/sqlite_source.hpp"
+
 namespace nimbara::platform {
 
 std::string to_string(const OldDateTime& value)
@@ -10,6 +13,11 @@ std::string to_string(const OldDateTime& value)
     std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", value.year, value.month, value.day, value.hour,
                   value.minute, value.second);
     return text;
+}
+
+std::unique_ptr<OldDatabase> open_old_database(const std::filesystem::path& file)
+{
+    return is_sqlite_file(file) ? open_sqlite_source(file) : open_jet_database(file);
 }
 
 }  // namespace nimbara::platform

@@ -1,7 +1,7 @@
 #pragma once
 // An old database read as a source: its tables found by name, each streamed row by row as typed
 // values in the table's own column order, so that a mapping can read a row's fields by position.
-// A Jet file stands behind it (jet_source.hpp); any store that can list tables and step through rows fits.
+// A Jet file (jet_source.hpp) or a SQLite file (sqlite_source.hpp) stands behind it.
 #include <compare>
 #include <cstdint>
 #include <filesystem>
@@ -75,5 +75,9 @@ public:
     // object's lifetime. Throws OldDatabaseError naming the table and the file when there is no such table.
     virtual std::unique_ptr<OldTableReader> open_table(std::string_view name) const = 0;
 };
+
+// Opens an old database of either kind: a SQLite file by its header, anything else as a Jet file.
+// Throws OldDatabaseError naming the file when it is missing, empty or neither.
+std::unique_ptr<OldDatabase> open_old_database(const std::filesystem::path& file);
 
 }  // namespace nimbara::platform

@@ -21,6 +21,12 @@ const PossibleValueTable& possible_value_table(PossibleValueKey key)
     return generated::kPossibleValueTables[static_cast<std::size_t>(key)];
 }
 
+const Designations& designations()
+{
+    static const Designations labels(generated::kDesignationsText);
+    return labels;
+}
+
 }  // namespace nimbara::rules
 
 namespace nimbara::GlobalXML {

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "rules/build/designations.hpp"
 #include "rules/build/possible_value_documents.hpp"
 #include "rules/build/rule_table.hpp"
 
@@ -66,5 +67,8 @@ enum class PossibleValueKey : std::size_t;
 
 // The rows of a possible-value document of the compiled-in catalogue.
 const PossibleValueTable& possible_value_table(PossibleValueKey key);
+
+// The labels of the codes, by set, as data/designations.tsv gives them.
+const Designations& designations();
 
 }  // namespace nimbara::rules

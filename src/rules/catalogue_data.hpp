@@ -24,6 +24,7 @@ extern const std::size_t kRepeatedRowCount;
 extern const PossibleValueTable kPossibleValueTables[];
 extern const std::size_t kPossibleValueTableCount;
 extern const SourceTexts kSourceTexts;
+extern const std::string_view kDesignationsText;  // data/designations.tsv as it stands
 }  // namespace generated
 
 }  // namespace nimbara::rules

@@ -175,6 +175,7 @@ int main(int argc, char** argv)
             }
         }
         out << "};\nconst std::size_t kRepeatedRowCount = " << repeats << ";\n\n";
+        out << "const std::string_view kDesignationsText = " << literal(designations_text) << ";\n\n";
 
         for (std::size_t i = 0; i < possible_value_documents.size(); ++i) write_rows(out, i, possible_value_documents[i]);
         out << "constinit const PossibleValueTable kPossibleValueTables[] = {\n";

@@ -1,0 +1,117 @@
+#pragma once
+// The database as the component sees it: run a statement with bound values, open a result, and
+// transactions that roll back unless committed. Two stores stand behind it (an SQLite file and a
+// PostgreSQL server); everything above this header is written once for both.
+//
+// Statements mark their values with "?" and never carry a value in their text. Table and column
+// names are never quoted, so both stores compare them without regard to case.
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "nimbara/Recordset.hpp"
+#include "nimbara/export.hpp"
+
+namespace nimbara {
+
+// A store's failure, with the store's own message.
+class NIMBARA_API DatabaseError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+enum class StoreKind { SQLite, PostgreSQL };
+
+// How a transaction begins. `Numbering` serialises the writers that take new numbers, so that two
+// stations never read the same maximum: the whole file on SQLite, one advisory lock on PostgreSQL.
+enum class TransactionMode { Ordinary, Numbering };
+
+class NIMBARA_API Database {
+public:
+    virtual ~Database() = default;
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    virtual StoreKind kind() const = 0;
+
+    // Runs one statement; answers the number of rows it changed.
+    virtual std::int64_t execute(std::string_view sql, std::span<const FieldValue> values = {}) = 0;
+    std::int64_t execute(std::string_view sql, std::initializer_list<FieldValue> values)
+    {
+        return execute(sql, std::span<const FieldValue>(values.begin(), values.size()));
+    }
+
+    // Runs a query and reads its whole result.
+    virtual Recordset open(std::string_view sql, std::span<const FieldValue> values = {}) = 0;
+    Recordset open(std::string_view sql, std::initializer_list<FieldValue> values)
+    {
+        return open(sql, std::span<const FieldValue>(values.begin(), values.size()));
+    }
+
+    // Whether a table or view of that name exists, without regard to case.
+    virtual bool has_table(std::string_view name) = 0;
+
+    // The dialect's spellings of the few expressions that differ between the stores.
+    virtual std::string year_of(std::string_view expression) const = 0;
+    virtual std::string month_of(std::string_view expression) const = 0;
+    // A date as the text YYYY-MM-DD.
+    virtual std::string date_text(std::string_view expression) const = 0;
+    // The literal of a yes/no value inside a statement (in a view, say, where nothing is bound).
+    virtual std::string_view boolean_literal(bool value) const = 0;
+
+    // Whether a transaction is open on this connection.
+    bool in_transaction() const { return depth_ > 0; }
+
+protected:
+    Database() = default;
+
+private:
+    friend class Transaction;
+    virtual void begin(TransactionMode mode) = 0;
+    virtual void commit() = 0;
+    virtual void rollback() noexcept = 0;
+
+    int depth_ = 0;
+    bool doomed_ = false;  // an inner transaction rolled back: the outer one may not commit
+};
+
+// One transaction, rolled back at destruction unless committed. Transactions nest: an inner one
+// joins the outer (its mode is that of the outer), and an inner one left uncommitted dooms the
+// whole, so that a save of a Guia with its lines either happens entirely or not at all.
+class NIMBARA_API Transaction {
+public:
+    explicit Transaction(Database& db, TransactionMode mode = TransactionMode::Ordinary);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    // Throws DatabaseError when the store refuses, or when an inner transaction was rolled back.
+    void commit();
+
+private:
+    Database& db_;
+    bool outermost_;
+    bool done_ = false;
+};
+
+// Whether a missing SQLite file may be created (only `db init` does so).
+enum class OpenMode { Existing, Create };
+
+// Opens a store from a connection string:
+//   Provider=Microsoft.Jet.OLEDB.4.0;Data Source = PATH   (PATH is an SQLite file)
+//   sqlite:PATH
+//   postgresql://...   a libpq URI
+//   postgresql:KEY=VALUE ...   libpq key=value pairs
+// Throws DatabaseError naming the string or the store's complaint: a malformed string, a missing,
+// read-only or foreign file, an unreachable server.
+NIMBARA_API std::shared_ptr<Database> OpenDatabase(std::string_view conn, OpenMode mode = OpenMode::Existing);
+
+// The SQLite file a connection string names; nothing for a PostgreSQL or malformed string.
+NIMBARA_API std::optional<std::string> SqliteFileOf(std::string_view conn);
+
+}  // namespace nimbara

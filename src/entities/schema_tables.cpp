@@ -1,0 +1,184 @@
+#include "entities/schema_tables.hpp"
+
+#include <span>
+
+namespace nimbara::entities {
+namespace {
+
+// Types as both stores spell them. Texts carry the width of the register; yes/no are booleans and
+// dates timestamps (SQLite keeps them as ISO text).
+constexpr const char* kLong = "INTEGER";
+constexpr const char* kShort = "SMALLINT";
+constexpr const char* kYesNo = "BOOLEAN";
+constexpr const char* kDate = "TIMESTAMP";
+constexpr const char* kCode = "VARCHAR(10)";
+constexpr const char* kShortText = "VARCHAR(50)";
+constexpr const char* kName = "VARCHAR(100)";
+constexpr const char* kLongText = "VARCHAR(255)";
+// Remarks were memo fields: the old files hold some of more than twenty thousand characters.
+constexpr const char* kMemo = "TEXT";
+
+struct Column {
+    const char* name;
+    const char* type;
+};
+
+struct Table {
+    const char* name;
+    std::vector<Column> columns;
+    const char* key;  // the primary key's columns, or nullptr where the register names none
+};
+
+std::vector<Column> reference_columns(bool with_activo, const char* code_type = kCode)
+{
+    std::vector<Column> c = {{"Codigo", code_type}, {"Designacao", kName}};
+    if (with_activo) c.insert(c.end(), {{"Activo", kYesNo}, {"Observacoes", kLongText}});
+    return c;
+}
+
+std::vector<Column> rule_dimension(const char* column, const char* type = kCode)
+{
+    return {{"CodValidacao", kLong}, {column, type}};
+}
+
+const std::vector<Table>& tables()
+{
+    static const std::vector<Table> t = {
+        {"Tbl_Cliente",
+         {{"Id_Cliente", kLong}, {"Cod_Cliente", kLong}, {"Nome", kName}, {"iTipoCliente", kShort},
+          {"Morada", kLongText}, {"Localidade", kName}, {"Cod_Postal", kShortText}, {"Desig_Postal", kName},
+          {"NContribuinte", kShortText}, {"Observacoes", kMemo}, {"IAcessoRede", kShort}},
+         "Id_Cliente"},
+        {"Tbl_Contrato",
+         {{"Id_Cliente", kLong}, {"Cod_Cliente", kLong}, {"Cod_Contrato", kLong}, {"Designacao", kName},
+          {"JPP_Credenciado", kYesNo}, {"Cod_Credencial", kShortText}, {"Validacao", kShortText},
+          {"Descricao", kLongText}, {"bActivo", kYesNo}, {"dDataActividade", kDate}},
+         "Id_Cliente, Cod_Contrato"},
+        {"Tbl_Cab",
+         {{"N_Req", kLong}, {"N_Req2", kLong}, {"Id_Req_Anual", kLong}, {"Id_Cliente", kLong},
+          {"Cod_Cliente", kLong}, {"Cod_Contrato", kLong}, {"CodigoTerceiro", kShortText}, {"N_Pag", kLong},
+          {"D_Req", kDate}, {"Pagamento", kShort}, {"Credenciado", kYesNo}, {"N_Credencial", kShortText},
+          {"Recolhido", kYesNo}, {"Situacao", kShortText}, {"Ficheiro", kLongText}, {"Observacoes", kMemo},
+          {"nCompromisso", kShortText}},
+         "N_Req"},
+        {"Tbl_Linha",
+         {{"N_Req", kLong}, {"N_Linha", kShort}, {"A_Zona_Taxacao", kCode}, {"B_Produto", kCode},
+          {"C_Escalao", kLong}, {"D_Quantidade", kLong}, {"E_Velocidade", kCode}, {"F_Formato", kCode},
+          {"G_Pre_Tratamento", kShort}, {"H_Descontos", kCode}, {"I_Servicos_Especiais", kLongText},
+          {"KM_Vexora", kShortText}, {"K_Entrega_Sampling", kCode}, {"L_TaxEsp_Semana", kShort},
+          {"M_TaxEsp_Quantidade", kShort}, {"N_Ambito_Distrib", kCode}, {"LinhaContinuacao", kShortText},
+          {"O_Divisao_Remetente", kShortText}, {"CodigoCampanha", kShortText}, {"Q_Conteudo", kCode},
+          {"P_RefCliente", kShortText}},
+         "N_Req, N_Linha"},
+        {"Tbl_Linha_ServicoEspecial",
+         {{"N_Req", kLong}, {"N_Linha", kShort}, {"CodigoServicoEspecial", kCode}, {"Valor", kShortText}},
+         "N_Req, N_Linha, CodigoServicoEspecial"},
+        {"Tbl_Temp_Val_Guia",
+         {{"N_Req", kLong}, {"A_Zona_Taxacao", kCode}, {"B_Produto", kCode}, {"E_Velocidade", kCode},
+          {"D_Quantidade", kLong}, {"N_Linha", kShort}, {"O_Divisao_Remetente", kShortText},
+          {"Q_Conteudo", kCode}, {"P_RefCliente", kShortText}, {"G_PreTratamento", kShort}},
+         nullptr},
+        // The settings are texts, as every writer treated them.
+        {"Tbl_Parametro",
+         {{"Cod2DFonteSize", kShortText}, {"Cod2DRatio", kShortText}, {"Cod2DNColunas", kShortText},
+          {"Cod2DNLinhas", kShortText}, {"Cod2DErroLevel", kShortText}, {"Cod2DPDFMode", kShortText},
+          {"Cod2DTruncated", kShortText}, {"Cod2DApplyTilde", kShortText}, {"GuiaNVias", kShortText},
+          {"GuiaMargensTopo", kShortText}, {"GuiaMargensEsquerda", kShortText}, {"CodTerceiro", kShortText}},
+         nullptr},
+        // Read by position: the order of the columns is part of the format.
+        {"TAB_CONFIG",
+         {{"config_id", kLong}, {"NColunas", kShort}, {"NLinhas", kShort}, {"ErroLevel", kShort},
+          {"PDFMode", kShortText}, {"Ratio", kShort}, {"FonteSize", kShort}, {"Truncated", kShortText},
+          {"ApplyTilde", kShortText}},
+         "config_id"},
+        {"Tbl_A_ZonaTaxacao", reference_columns(true), "Codigo"},
+        {"Tbl_B_Produto", reference_columns(true), "Codigo"},
+        {"Tbl_E_Velocidade", reference_columns(true), "Codigo"},
+        {"Tbl_F_Formato", reference_columns(true), "Codigo"},
+        {"Tbl_H_Descontos", reference_columns(true), "Codigo"},
+        {"Tbl_I_ServicosEspeciais", reference_columns(true), "Codigo"},
+        {"Tbl_N_AmbitoDistribuicao", reference_columns(true), "Codigo"},
+        {"Tbl_K_EntregaSampling", reference_columns(true), "Codigo"},
+        {"Tbl_Q_Conteudo", reference_columns(true), "Codigo"},
+        {"Tbl_P_RefCliente", reference_columns(false, kShortText), "Codigo"},
+        {"Tbl_PreTratamento", reference_columns(true), "Codigo"},
+        {"tbl_Validacao",
+         {{"CodValidacao", kLong}, {"Cod_Produto", kCode}, {"Activo", kYesNo}, {"C_Escalao_Min", kLong},
+          {"C_Escalao_Max", kLong}},
+         "CodValidacao"},
+        {"tbl_Val_ZTaxacao", rule_dimension("CodZtaxacao"), "CodValidacao, CodZtaxacao"},
+        {"tbl_Val_Velocidade", rule_dimension("CodVelocidade"), "CodValidacao, CodVelocidade"},
+        {"tbl_Val_Formato", rule_dimension("CodFormato"), "CodValidacao, CodFormato"},
+        {"tbl_Val_PreTratamento", rule_dimension("Pre_Tratamento", kShort), "CodValidacao, Pre_Tratamento"},
+        {"tbl_Val_Desconto", rule_dimension("CodDesconto"), "CodValidacao, CodDesconto"},
+        {"tbl_Val_AmbitoDist", rule_dimension("CodAmbitoDist"), "CodValidacao, CodAmbitoDist"},
+        {"tbl_Val_ServicoE", rule_dimension("CodServicoE"), "CodValidacao, CodServicoE"},
+        {"schema_version", {{"version", kLong}}, nullptr},
+    };
+    return t;
+}
+
+// What the listing, numbering and validation queries look up besides the keys.
+constexpr const char* kIndexes[] = {
+    "CREATE INDEX ix_Cliente_Cod ON Tbl_Cliente (Cod_Cliente)",
+    "CREATE INDEX ix_Cab_Cliente ON Tbl_Cab (Id_Cliente, N_Req2)",
+    "CREATE INDEX ix_Cab_Cliente_Ano ON Tbl_Cab (Id_Cliente, D_Req)",
+    "CREATE INDEX ix_Cab_Contrato ON Tbl_Cab (Id_Cliente, Cod_Contrato)",
+    "CREATE INDEX ix_Cab_Data ON Tbl_Cab (D_Req)",
+    "CREATE INDEX ix_Temp_NReq ON Tbl_Temp_Val_Guia (N_Req)",
+    "CREATE INDEX ix_Validacao_Produto ON tbl_Validacao (Cod_Produto, Activo)",
+};
+
+// The lines with the designation of each code, for the printing: a code the lists lack keeps its
+// line, with a null designation.
+constexpr const char* kView =
+    "CREATE VIEW Query_ParteVariavel AS SELECT "
+    "L.N_Req, L.N_Linha, L.A_Zona_Taxacao, L.B_Produto, L.C_Escalao, L.D_Quantidade, L.E_Velocidade, "
+    "L.F_Formato, L.G_Pre_Tratamento, L.H_Descontos, L.K_Entrega_Sampling, L.L_TaxEsp_Semana, "
+    "L.M_TaxEsp_Quantidade, L.N_Ambito_Distrib, L.O_Divisao_Remetente, L.CodigoCampanha, L.Q_Conteudo, "
+    "L.P_RefCliente, "
+    "Z.Designacao AS Desig_Zona_Taxacao, P.Designacao AS Desig_Produto, V.Designacao AS Desig_Velocidade, "
+    "F.Designacao AS Desig_Formato, D.Designacao AS Desig_Descontos, S.Designacao AS Desig_Entrega_Sampling, "
+    "A.Designacao AS Desig_Ambito_Distrib, C.Designacao AS Desig_Conteudo "
+    "FROM Tbl_Linha L "
+    "LEFT JOIN Tbl_A_ZonaTaxacao Z ON Z.Codigo = L.A_Zona_Taxacao "
+    "LEFT JOIN Tbl_B_Produto P ON P.Codigo = L.B_Produto "
+    "LEFT JOIN Tbl_E_Velocidade V ON V.Codigo = L.E_Velocidade "
+    "LEFT JOIN Tbl_F_Formato F ON F.Codigo = L.F_Formato "
+    "LEFT JOIN Tbl_H_Descontos D ON D.Codigo = L.H_Descontos "
+    "LEFT JOIN Tbl_K_EntregaSampling S ON S.Codigo = L.K_Entrega_Sampling "
+    "LEFT JOIN Tbl_N_AmbitoDistribuicao A ON A.Codigo = L.N_Ambito_Distrib "
+    "LEFT JOIN Tbl_Q_Conteudo C ON C.Codigo = L.Q_Conteudo";
+
+std::string create_table(const Table& t)
+{
+    std::string sql = "CREATE TABLE " + std::string(t.name) + " (";
+    for (std::size_t i = 0; i < t.columns.size(); ++i)
+        sql += std::string(i ? ", " : "") + t.columns[i].name + " " + t.columns[i].type;
+    if (t.key) sql += ", PRIMARY KEY (" + std::string(t.key) + ")";
+    return sql + ")";
+}
+
+}  // namespace
+
+std::vector<std::string> schema_statements()
+{
+    std::vector<std::string> statements;
+    for (const auto& t : tables()) statements.push_back(create_table(t));
+    statements.emplace_back(kView);
+    statements.insert(statements.end(), std::begin(kIndexes), std::end(kIndexes));
+    return statements;
+}
+
+const std::vector<std::string>& schema_table_names()
+{
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> n;
+        for (const auto& t : tables()) n.emplace_back(t.name);
+        n.emplace_back("Query_ParteVariavel");
+        return n;
+    }();
+    return names;
+}
+
+}  // namespace nimbara::entities

@@ -1,0 +1,19 @@
+#pragma once
+// The register of tables as statements, and the rows the new database starts with.
+#include <string>
+#include <vector>
+
+#include "nimbara/Database.hpp"
+
+namespace nimbara::entities {
+
+// The statements that create the tables, the view and the indexes, in order.
+std::vector<std::string> schema_statements();
+
+// The names of the tables the statements create; a database holding any of them has the schema.
+const std::vector<std::string>& schema_table_names();
+
+// Fills the reference lists, the rule tables, TAB_CONFIG and schema_version.
+void seed_schema(Database& db);
+
+}  // namespace nimbara::entities

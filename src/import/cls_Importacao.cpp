@@ -1,0 +1,151 @@
+#include "nimbara/cls_Importacao.hpp"
+
+#include "entities/connection.hpp"
+#include "import/mappings.hpp"
+#include "import/procedure_run.hpp"
+#include "nimbara/Notifier.hpp"
+#include "platform/old_database.hpp"
+
+namespace nimbara {
+namespace {
+
+constexpr const char* kImportTitle = "Importação de Base de Dados";
+
+std::filesystem::path source_path(const std::string& Caminho, const std::string& Ficheiro)
+{
+    return Caminho.empty() ? std::filesystem::path(Ficheiro) : std::filesystem::path(Caminho) / Ficheiro;
+}
+
+}  // namespace
+
+cls_Importacao::cls_Importacao() : cls_Importacao(entities::connection_from_ini()) {}
+
+cls_Importacao::cls_Importacao(std::shared_ptr<Database> db) : myConn(std::move(db)) {}
+
+void cls_Importacao::ImportaDados(const std::string& Caminho, const std::string& Ficheiro, std::string& Versao)
+{
+    notifier().busy(true);
+    const import::Procedure* procedure = import::procedure_for_version(Versao);
+    bool ok = false;
+    if (procedure) {
+        ok = run(procedure->name, Caminho, Ficheiro);
+    } else {
+        succeeded_ = false;
+        last_error_ = "no import for version \"" + Versao + "\"";
+    }
+    notifier().busy(false);
+    notifier().progress(0);
+    if (ok)
+        notifier().message(MessageIcon::Information, kImportTitle, "Base de Dados importada com sucesso.");
+    else
+        notifier().message(MessageIcon::Critical, kImportTitle, "A importação da Base de Dados falhou.");
+}
+
+bool cls_Importacao::DoImportDadosBy(std::string_view procedure, const std::string& Caminho, const std::string& Ficheiro)
+{
+    if (!import::find_procedure(procedure)) {
+        succeeded_ = false;
+        last_error_ = "no import procedure " + std::string(procedure);
+        return false;
+    }
+    return run(procedure, Caminho, Ficheiro);
+}
+
+bool cls_Importacao::DoImportDados0501(const std::string& c, const std::string& f) { return run("DoImportDados0501", c, f); }
+bool cls_Importacao::DoImportDados0502(const std::string& c, const std::string& f) { return run("DoImportDados0502", c, f); }
+bool cls_Importacao::DoImportDados0504(const std::string& c, const std::string& f) { return run("DoImportDados0504", c, f); }
+bool cls_Importacao::DoImportDados0506(const std::string& c, const std::string& f) { return run("DoImportDados0506", c, f); }
+bool cls_Importacao::DoImportDados0507(const std::string& c, const std::string& f) { return run("DoImportDados0507", c, f); }
+bool cls_Importacao::DoImportDados0508(const std::string& c, const std::string& f) { return run("DoImportDados0508", c, f); }
+bool cls_Importacao::DoImportDados0509(const std::string& c, const std::string& f) { return run("DoImportDados0509", c, f); }
+bool cls_Importacao::DoImportDados0510(const std::string& c, const std::string& f) { return run("DoImportDados0510", c, f); }
+bool cls_Importacao::DoImportDadosTo050313(const std::string& c, const std::string& f)
+{
+    return run("DoImportDadosTo050313", c, f);
+}
+bool cls_Importacao::DoImportDadosTo050313B(const std::string& c, const std::string& f)
+{
+    return run("DoImportDadosTo050313B", c, f);
+}
+bool cls_Importacao::DoImportDadosTo050313C(const std::string& c, const std::string& f)
+{
+    return run("DoImportDadosTo050313C", c, f);
+}
+bool cls_Importacao::DoImportDadosTo050314(const std::string& c, const std::string& f)
+{
+    return run("DoImportDadosTo050314", c, f);
+}
+
+bool cls_Importacao::run(std::string_view name, const std::string& Caminho, const std::string& Ficheiro)
+{
+    counts_ = {};
+    last_error_.clear();
+    // A missing file is said and counts as done: nothing was touched.
+    succeeded_ = true;
+    if (!DoCheck(Caminho, Ficheiro)) return true;
+    try {
+        const auto source = platform::open_old_database(source_path(Caminho, Ficheiro));
+        const auto rows = import::run_procedure(*import::find_procedure(name), *source, entities::require(myConn),
+                                                [](int value) { notifier().progress(value); });
+        counts_ = {rows[0], rows[1], rows[2], rows[3], rows[4]};
+        return true;
+    } catch (const std::exception& e) {
+        last_error_ = e.what();
+    }
+    succeeded_ = false;
+    for (int value : {20, 10, 0}) notifier().progress(value);
+    notifier().message(MessageIcon::Information, "",
+                       "Erro na Importação da informação. Não é possivel efectuar a importação desta base de dados.\n" +
+                           last_error_);
+    return false;
+}
+
+bool cls_Importacao::DoCheck(const std::string& Caminho, const std::string& Ficheiro)
+{
+    if (FileExists(source_path(Caminho, Ficheiro).string()) != 0) return true;
+    notifier().message(MessageIcon::Exclamation, "Importação de Informação", "A base de dados escolhida não existe !");
+    return false;
+}
+
+std::int16_t cls_Importacao::FileExists(const std::string& strFile)
+{
+    std::error_code ec;
+    const auto size = std::filesystem::file_size(strFile, ec);
+    return !ec && size > 0 ? 1 : 0;
+}
+
+void cls_Importacao::DeleteDados()
+{
+    Database& db = entities::require(myConn);
+    // Each table on a transaction of its own: a failure leaves the tables before it emptied.
+    for (const char* table : import::kDataTables) {
+        Transaction t(db);
+        db.execute("DELETE FROM " + std::string(table));
+        t.commit();
+    }
+}
+
+std::optional<std::string> ImportProcedureFor(std::string_view Versao)
+{
+    if (const auto* p = import::procedure_for_version(Versao)) return std::string(p->name);
+    return std::nullopt;
+}
+
+std::vector<std::string> ImportProcedures()
+{
+    std::vector<std::string> names;
+    for (const auto& p : import::procedures()) names.emplace_back(p.name);
+    return names;
+}
+
+std::optional<std::string> ImportSourceProblem(const std::filesystem::path& file)
+{
+    try {
+        platform::open_old_database(file);
+        return std::nullopt;
+    } catch (const std::exception& e) {
+        return std::string(e.what());
+    }
+}
+
+}  // namespace nimbara

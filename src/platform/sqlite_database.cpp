@@ -1,0 +1,210 @@
+#include "platform/sqlite_database.hpp"
+
+#include <sqlite3.h>
+
+#include <cctype>
+#include <memory>
+#include <string>
+
+namespace nimbara::platform {
+namespace {
+
+// How long a writer waits for another station's transaction before it gives up.
+constexpr int kBusyTimeoutMs = 60000;
+
+struct CloseDb {
+    void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
+};
+struct Finalize {
+    void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
+};
+using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+// The kind of a column from its declared type; a column without one (an expression such as SUM or
+// MAX) takes the kind of the value stored.
+enum class Declared { None, Number, Text, YesNo, Date };
+
+Declared declared_kind(const char* decltype_text)
+{
+    if (!decltype_text) return Declared::None;
+    std::string t = decltype_text;
+    for (char& c : t) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    const auto has = [&](const char* word) { return t.find(word) != std::string::npos; };
+    if (has("BOOL")) return Declared::YesNo;
+    if (has("DATE") || has("TIME")) return Declared::Date;
+    if (has("CHAR") || has("TEXT") || has("CLOB")) return Declared::Text;
+    if (has("INT") || has("REAL") || has("DOUB") || has("FLOA") || has("NUM") || has("DEC")) return Declared::Number;
+    return Declared::None;
+}
+
+class SqliteDatabase final : public Database {
+public:
+    explicit SqliteDatabase(sqlite3* db) : db_(db) {}
+
+    using Database::execute;
+    using Database::open;
+
+    StoreKind kind() const override { return StoreKind::SQLite; }
+
+    std::int64_t execute(std::string_view sql, std::span<const FieldValue> values = {}) override
+    {
+        const auto stmt = prepare(sql, values);
+        while (step(stmt.get(), sql)) {
+        }
+        return sqlite3_changes64(db_.get());
+    }
+
+    Recordset open(std::string_view sql, std::span<const FieldValue> values = {}) override
+    {
+        const auto stmt = prepare(sql, values);
+        const int columns = sqlite3_column_count(stmt.get());
+        std::vector<std::string> names;
+        std::vector<Declared> kinds;
+        for (int c = 0; c < columns; ++c) {
+            names.emplace_back(sqlite3_column_name(stmt.get(), c));
+            kinds.push_back(declared_kind(sqlite3_column_decltype(stmt.get(), c)));
+        }
+        std::vector<std::vector<FieldValue>> rows;
+        while (step(stmt.get(), sql)) {
+            auto& row = rows.emplace_back();
+            row.reserve(columns);
+            for (int c = 0; c < columns; ++c) row.push_back(read(stmt.get(), c, kinds[c]));
+        }
+        return Recordset(std::move(names), std::move(rows));
+    }
+
+    bool has_table(std::string_view name) override
+    {
+        auto rs = open("SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND lower(name) = lower(?)",
+                       {FieldValue(name)});
+        return rs.RecordCount() > 0;
+    }
+
+    std::string year_of(std::string_view e) const override
+    {
+        return "CAST(strftime('%Y', " + std::string(e) + ") AS INTEGER)";
+    }
+    std::string month_of(std::string_view e) const override
+    {
+        return "CAST(strftime('%m', " + std::string(e) + ") AS INTEGER)";
+    }
+    std::string date_text(std::string_view e) const override { return "strftime('%Y-%m-%d', " + std::string(e) + ")"; }
+    std::string_view boolean_literal(bool v) const override { return v ? "1" : "0"; }
+
+private:
+    void begin(TransactionMode mode) override
+    {
+        // Every transaction takes the write lock at once: two numbering transactions then cannot both
+        // read the same maximum, and two writers never deadlock on upgrading a read lock, which
+        // SQLite answers with an immediate failure instead of waiting.
+        (void)mode;
+        execute("BEGIN IMMEDIATE");
+    }
+    void commit() override { execute("COMMIT"); }
+    void rollback() noexcept override { sqlite3_exec(db_.get(), "ROLLBACK", nullptr, nullptr, nullptr); }
+
+    [[noreturn]] void fail(std::string_view sql) const
+    {
+        throw DatabaseError(std::string(sqlite3_errmsg(db_.get())) + " (in: " + std::string(sql) + ")");
+    }
+
+    Statement prepare(std::string_view sql, std::span<const FieldValue> values)
+    {
+        sqlite3_stmt* raw = nullptr;
+        if (sqlite3_prepare_v2(db_.get(), sql.data(), static_cast<int>(sql.size()), &raw, nullptr) != SQLITE_OK)
+            fail(sql);
+        Statement stmt(raw);
+        if (sqlite3_bind_parameter_count(raw) != static_cast<int>(values.size()))
+            throw DatabaseError("the statement takes " + std::to_string(sqlite3_bind_parameter_count(raw)) +
+                                " values, " + std::to_string(values.size()) + " given (in: " + std::string(sql) + ")");
+        for (std::size_t i = 0; i < values.size(); ++i) bind(raw, static_cast<int>(i) + 1, values[i], sql);
+        return stmt;
+    }
+
+    void bind(sqlite3_stmt* s, int at, const FieldValue& value, std::string_view sql) const
+    {
+        const auto& v = value.alternatives();
+        int rc = SQLITE_OK;
+        if (std::holds_alternative<std::monostate>(v))
+            rc = sqlite3_bind_null(s, at);
+        else if (const auto* i = std::get_if<std::int64_t>(&v))
+            rc = sqlite3_bind_int64(s, at, *i);
+        else if (const auto* d = std::get_if<double>(&v))
+            rc = sqlite3_bind_double(s, at, *d);
+        else if (const auto* b = std::get_if<bool>(&v))
+            rc = sqlite3_bind_int(s, at, *b ? 1 : 0);
+        else {
+            const std::string text = value.text();  // text as it is, dates in their ISO form
+            rc = sqlite3_bind_text(s, at, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+        }
+        if (rc != SQLITE_OK) fail(sql);
+    }
+
+    // One step: true while rows come.
+    bool step(sqlite3_stmt* s, std::string_view sql) const
+    {
+        const int rc = sqlite3_step(s);
+        if (rc == SQLITE_ROW) return true;
+        if (rc == SQLITE_DONE) return false;
+        fail(sql);
+    }
+
+    static FieldValue read(sqlite3_stmt* s, int c, Declared declared)
+    {
+        const int type = sqlite3_column_type(s, c);
+        if (type == SQLITE_NULL) return {};
+        const auto text = [&] {
+            return std::string(reinterpret_cast<const char*>(sqlite3_column_text(s, c)), sqlite3_column_bytes(s, c));
+        };
+        switch (declared) {
+        case Declared::YesNo: return FieldValue(sqlite3_column_int64(s, c) != 0);
+        case Declared::Date:
+            if (type == SQLITE_TEXT) {
+                try {
+                    return FieldValue(Timestamp::parse(text()));
+                } catch (const std::invalid_argument&) {
+                    return FieldValue(text());  // a text that is no date stays what it is
+                }
+            }
+            break;
+        case Declared::Text: return FieldValue(text());
+        default: break;
+        }
+        if (type == SQLITE_INTEGER) return FieldValue(static_cast<std::int64_t>(sqlite3_column_int64(s, c)));
+        if (type == SQLITE_FLOAT) return FieldValue(sqlite3_column_double(s, c));
+        return FieldValue(text());
+    }
+
+    std::unique_ptr<sqlite3, CloseDb> db_;
+};
+
+}  // namespace
+
+std::shared_ptr<Database> open_sqlite(const std::filesystem::path& file, OpenMode mode)
+{
+    const std::string name = file.string();
+    std::error_code ec;
+    if (mode == OpenMode::Existing && !std::filesystem::exists(file, ec))
+        throw DatabaseError("the database file " + name + " does not exist");
+    if (std::filesystem::is_directory(file, ec)) throw DatabaseError(name + " is a folder, not a database file");
+    sqlite3* raw = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
+    const int rc = sqlite3_open_v2(name.c_str(), &raw, flags, nullptr);
+    std::unique_ptr<sqlite3, CloseDb> db(raw);
+    if (rc != SQLITE_OK)
+        throw DatabaseError("cannot open the database file " + name + ": " + (raw ? sqlite3_errmsg(raw) : "out of memory"));
+    if (sqlite3_db_readonly(raw, "main") == 1) throw DatabaseError("the database file " + name + " is read-only");
+    sqlite3_busy_timeout(raw, kBusyTimeoutMs);
+    sqlite3_extended_result_codes(raw, 0);
+    // Reading the schema is where a file that is no SQLite database shows itself.
+    char* message = nullptr;
+    if (sqlite3_exec(raw, "SELECT count(*) FROM sqlite_master; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;",
+                     nullptr, nullptr, &message) != SQLITE_OK) {
+        std::string why = message ? message : sqlite3_errmsg(raw);
+        sqlite3_free(message);
+        throw DatabaseError("cannot use " + name + ": " + why);
+    }
+    return std::make_shared<SqliteDatabase>(db.release());
+}
+
+}  // namespace nimbara::platform

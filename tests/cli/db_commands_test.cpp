@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "cli/cli_run.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_database.hpp"
+
+using nimbara::testing::kBothStores;
+using nimbara::testing::run;
+using nimbara::testing::store_name;
+using nimbara::testing::StoreTest;
+
+namespace {
+
+std::string quoted(const std::string& s) { return "'" + s + "'"; }
+
+class DbCommandsTest : public StoreTest {
+protected:
+    nimbara::testing::Run program(const std::string& args) { return run("db " + args + " --db " + quoted(scratch->conn())); }
+};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Stores, DbCommandsTest, kBothStores, store_name);
+
+TEST_P(DbCommandsTest, InitThenListsAndSettings)
+{
+    db.reset();  // the program opens the database itself
+    auto r = program("init");
+    ASSERT_EQ(r.status, 0) << r.err;
+
+    r = program("refs produto");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.substr(0, r.out.find('\n')), "Codigo\tDesignacao\tActivo\tObservacoes");
+    EXPECT_NE(r.out.find("\nC01\tProduto C01\tTrue\t\n"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("\nC15\t"), std::string::npos);
+    EXPECT_EQ(program("refs produto --active").out.find("\nC15\t"), std::string::npos) << "C15 has no active rule";
+
+    r = program("params");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out,
+              "VCod2DFonteSize\t0\nvCod2DRatio\t0\nvCod2DNColunas\t0\nvCod2DNLinhas\t0\nvCod2DErroLevel\t1\n"
+              "vCod2DPDFMode\t0\nvCod2DTruncated\t0\nvCod2DApplyTilde\t0\nvGuiaNVias\t1\nvGuiaMargensTopo\t0\n"
+              "vGuiaMargensEsquerda\t0\nvCodTerceiro\t0\n");
+
+    struct Case { std::string args; int status; std::string message; };
+    const Case cases[] = {
+        {"params set vGuiaNVias=2 vCod2DNColunas=33", 2, "Nº de colunas não pode ser superior a 32."},
+        {"params set vGuiaNVias=dois", 2, "must be whole numbers"},
+        {"params set vNada=1", 2, "unknown setting \"vNada\""},
+        {"params set vGuiaNVias", 2, "is not NAME=VALUE"},
+        {"params set vGuiaNVias=3 \"vCodTerceiro=Zé d'Água\"", 0, ""},
+        {"init", 2, "already has the table"},
+    };
+    for (const auto& c : cases) {
+        r = program(c.args);
+        EXPECT_EQ(r.status, c.status) << c.args << ": " << r.err;
+        EXPECT_NE(r.err.find(c.message), std::string::npos) << c.args << ": " << r.err;
+    }
+    r = program("params");
+    EXPECT_NE(r.out.find("vGuiaNVias\t3\n"), std::string::npos) << "only the accepted change is saved:\n" << r.out;
+    EXPECT_NE(r.out.find("vCodTerceiro\tZé d'Água\n"), std::string::npos);
+    EXPECT_NE(r.out.find("vCod2DNColunas\t0\n"), std::string::npos);
+}
+
+TEST(DbCommands, RefuseWhatTheyCannotOpenAndCreateNothing)
+{
+    nimbara::testing::TempFolder folder("db-commands");
+    const auto f = [&](const char* name) { return (folder.path() / name).string(); };
+    std::ofstream(f("junk.db")) << "no database at all, but long enough to have a header of a hundred bytes or so.....";
+    struct Case { std::string args; std::string message; };
+    const Case cases[] = {
+        {"db refs produto --db sqlite:" + f("missing.db"), "does not exist"},
+        {"db params --db sqlite:" + f("junk.db"), "not a database"},
+        {"db init --db sqlite:" + f("junk.db"), "not a database"},
+        {"db refs zona --db guias.db", "malformed connection string"},
+        {"db init --db sqlite:" + f("no/such/folder/g.db"), "cannot open"},
+        {"db params --db 'postgresql:host=" + folder.path().string() + " port=1'", "cannot reach the PostgreSQL server"},
+        {"db refs nada --db sqlite:" + f("x.db"), "nada"},
+    };
+    for (const auto& c : cases) {
+        const auto r = run(c.args);
+        EXPECT_EQ(r.status, 2) << c.args;
+        EXPECT_NE(r.err.find(c.message), std::string::npos) << c.args << ": " << r.err;
+    }
+    std::vector<std::string> left;
+    for (const auto& e : std::filesystem::directory_iterator(folder.path())) left.push_back(e.path().filename());
+    EXPECT_EQ(left, std::vector<std::string>{"junk.db"}) << "nothing created";
+
+    // Without --db the ini file of the working directory names the database.
+    const auto previous = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    const auto no_ini = run("db params");
+    std::ofstream("Zartel_Nimbara.Ini") << "[Nimbarauto]\nConn=Provider=Microsoft.Jet.OLEDB.4.0;Data Source = ini.db\n";
+    const auto init = run("db init");
+    const auto params = run("db params");
+    std::filesystem::current_path(previous);
+    EXPECT_EQ(no_ini.status, 2);
+    EXPECT_NE(no_ini.err.find("Erro na leitura do ficheiro INI."), std::string::npos) << no_ini.err;
+    EXPECT_EQ(init.status, 0) << init.err;
+    EXPECT_EQ(params.status, 0) << params.err;
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "ini.db"));
+}

@@ -1,0 +1,180 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "nimbara/Database.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_database.hpp"
+
+using namespace nimbara;
+using nimbara::testing::kBothStores;
+using nimbara::testing::store_name;
+using nimbara::testing::StoreTest;
+
+class DatabaseTest : public StoreTest {};
+INSTANTIATE_TEST_SUITE_P(Stores, DatabaseTest, kBothStores, store_name);
+
+TEST_P(DatabaseTest, ValuesComeBackWithTheirKind)
+{
+    db->execute("CREATE TABLE T (Id INTEGER, S SMALLINT, Txt VARCHAR(50), Yes BOOLEAN, D TIMESTAMP)");
+    struct Case { FieldValue s; FieldValue txt; FieldValue yes; FieldValue d; };
+    const Case cases[] = {
+        {7, "O'Neil; DROP TABLE T", true, Timestamp{2024, 3, 15}},
+        {-3, "Açores – Madeira €", false, Timestamp{1999, 12, 31, 23, 59, 58}},
+        {0, "", false, Timestamp{2024, 2, 29}},
+        {nullptr, nullptr, nullptr, nullptr},
+    };
+    int id = 0;
+    for (const auto& c : cases) db->execute("INSERT INTO T VALUES (?, ?, ?, ?, ?)", {++id, c.s, c.txt, c.yes, c.d});
+
+    Recordset rs = db->open("SELECT Id, S, Txt, Yes, D FROM T ORDER BY Id");
+    ASSERT_EQ(rs.RecordCount(), 4);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(rs["Id"].text());
+        EXPECT_EQ(rs["S"], c.s);
+        EXPECT_EQ(rs["Txt"], c.txt) << "the empty text is no Null, and an apostrophe is data";
+        EXPECT_EQ(rs["Yes"], c.yes);
+        EXPECT_EQ(rs["D"], c.d);
+        rs.MoveNext();
+    }
+
+    // Columns without a declared type still read as numbers.
+    Recordset sums = db->open("SELECT SUM(S) AS Total, MAX(Id) AS Top, COUNT(*) AS N FROM T");
+    EXPECT_EQ(sums["Total"].kind(), ValueKind::Number);
+    EXPECT_EQ(sums["Total"].integer(), 4);
+    EXPECT_EQ(sums["Top"].integer(), 4);
+    EXPECT_EQ(sums["N"].integer(), 4);
+}
+
+TEST_P(DatabaseTest, RecordsetMovesAndClosesAsItsHostsExpect)
+{
+    db->execute("CREATE TABLE T (N_Req INTEGER, Nome VARCHAR(20))");
+    Recordset empty = db->open("SELECT * FROM T");
+    EXPECT_TRUE(empty.IsBOF() && empty.IsEOF());
+    EXPECT_EQ(empty.FieldCount(), 2u) << "the fields are known without a record";
+    EXPECT_THROW(empty["N_Req"], DatabaseError) << "no current record";
+
+    db->execute("INSERT INTO T VALUES (1, 'a'), (2, 'b')");
+    Recordset rs = db->open("SELECT N_Req, Nome FROM T ORDER BY N_Req");
+    EXPECT_FALSE(rs.IsBOF());
+    EXPECT_EQ(rs["n_req"].integer(), 1) << "names are found without regard to case";
+    EXPECT_EQ(rs.Fields(1).Value.text(), "a");
+    EXPECT_EQ(rs[std::size_t{0}].integer(), 1);
+    rs.MoveNext();
+    rs.MoveNext();
+    EXPECT_TRUE(rs.IsEOF());
+    EXPECT_THROW(rs.MoveNext(), DatabaseError);
+    rs.MoveFirst();
+    EXPECT_EQ(rs["NOME"].text(), "a");
+    EXPECT_THROW(rs["Missing"], DatabaseError);
+
+    EXPECT_EQ(rs.State(), Recordset::adStateOpen);
+    rs.Close();
+    EXPECT_EQ(rs.State(), Recordset::adStateClosed);
+    EXPECT_THROW(rs.RecordCount(), DatabaseError);
+}
+
+TEST_P(DatabaseTest, TransactionsKeepAllOrNothing)
+{
+    db->execute("CREATE TABLE T (N INTEGER PRIMARY KEY)");
+    const auto count = [&] { return db->open("SELECT COUNT(*) AS N FROM T")["N"].integer(); };
+    {
+        Transaction t(*db);
+        db->execute("INSERT INTO T VALUES (1)");
+    }
+    EXPECT_EQ(count(), 0) << "not committed: rolled back";
+    {
+        Transaction outer(*db);
+        db->execute("INSERT INTO T VALUES (1)");
+        {
+            Transaction inner(*db);
+            db->execute("INSERT INTO T VALUES (2)");
+        }
+        EXPECT_THROW(outer.commit(), DatabaseError) << "an inner part failed";
+    }
+    EXPECT_EQ(count(), 0);
+    {
+        Transaction outer(*db);
+        db->execute("INSERT INTO T VALUES (1)");
+        Transaction inner(*db);
+        db->execute("INSERT INTO T VALUES (2)");
+        inner.commit();
+        outer.commit();
+    }
+    EXPECT_EQ(count(), 2);
+    EXPECT_FALSE(db->in_transaction());
+}
+
+TEST_P(DatabaseTest, FailuresCarryTheStoresOwnMessage)
+{
+    try {
+        db->open("SELECT * FROM Tbl_Nowhere");
+        FAIL();
+    } catch (const DatabaseError& e) {
+        const std::string m = e.what();
+        EXPECT_TRUE(m.find("no such table") != std::string::npos || m.find("does not exist") != std::string::npos) << m;
+        EXPECT_NE(m.find("Tbl_Nowhere"), std::string::npos) << m;
+    }
+}
+
+TEST_P(DatabaseTest, DialectAnswersTheDateQuestions)
+{
+    db->execute("CREATE TABLE T (D TIMESTAMP)");
+    db->execute("INSERT INTO T VALUES (?)", {Timestamp{2023, 11, 4, 10, 30, 0}});
+    Recordset parts = db->open("SELECT " + db->year_of("D") + " AS Y, " + db->month_of("D") + " AS M, " +
+                               db->date_text("D") + " AS Txt FROM T");
+    EXPECT_EQ(parts["Y"].integer(), 2023);
+    EXPECT_EQ(parts["M"].integer(), 11);
+    EXPECT_EQ(parts["Txt"].text(), "2023-11-04");
+
+    db->execute("CREATE TABLE B (Yes BOOLEAN)");
+    db->execute("INSERT INTO B VALUES (?), (?), (?)", {true, false, true});
+    const auto yes = db->open("SELECT COUNT(*) AS N FROM B WHERE Yes = " + std::string(db->boolean_literal(true)));
+    EXPECT_EQ(yes["N"].integer(), 2);
+}
+
+TEST(OpenDatabase, RefusesWhatItCannotUseAndNamesIt)
+{
+    nimbara::testing::TempFolder folder("open-database");
+    const auto junk = folder.path() / "junk.db";
+    std::ofstream(junk) << "these bytes are no database, and there are enough of them to be read as a header...";
+    const auto missing = folder.path() / "missing.db";
+    struct Case { std::string conn; std::string message; };
+    const Case cases[] = {
+        {"", "it is empty"},
+        {"guias.db", "expected sqlite:PATH"},
+        {"sqlite:", "no file after"},
+        {"Provider=Microsoft.Jet.OLEDB.4.0;Mode=Share", "no \"Data Source\""},
+        {"sqlite:" + missing.string(), "does not exist"},
+        {"Provider=Microsoft.Jet.OLEDB.4.0;Data Source = " + junk.string(), "not a database"},
+        {"sqlite:" + folder.path().string(), "is a folder"},
+        {"postgresql:host=" + folder.path().string() + " port=1", "cannot reach the PostgreSQL server"},
+    };
+    for (const auto& c : cases) {
+        try {
+            OpenDatabase(c.conn);
+            ADD_FAILURE() << c.conn;
+        } catch (const DatabaseError& e) {
+            EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << c.conn << ": " << e.what();
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists(missing)) << "nothing is created when opening";
+}
+
+TEST(OpenDatabase, TakesEveryFormOfAFileName)
+{
+    nimbara::testing::TempFolder folder("open-forms");
+    const std::string file = (folder.path() / "g.db").string();
+    OpenDatabase("sqlite:" + file, OpenMode::Create)->execute("CREATE TABLE T (N INTEGER)");
+    for (const auto& conn : {"sqlite:" + file, "  sqlite: " + file + " ",
+                                   "Provider=Microsoft.Jet.OLEDB.4.0;Data Source = " + file,
+                                   "provider=microsoft.jet.oledb.4.0; data source=" + file + ";Persist Security Info=False"})
+        EXPECT_TRUE(OpenDatabase(conn)->has_table("t")) << conn;
+    if (::geteuid() != 0) {  // the superuser writes to any file
+        ::chmod(file.c_str(), 0444);
+        EXPECT_THROW(OpenDatabase("sqlite:" + file), DatabaseError) << "a read-only file is refused";
+    }
+}

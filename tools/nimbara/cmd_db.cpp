@@ -1,0 +1,16 @@
+// nimbara db ...: the database road. Each subcommand lives in its own cmd_db_*.cpp file.
+#include "commands.hpp"
+
+namespace nimbara::cli {
+
+void register_db(CLI::App& app, int& status)
+{
+    auto* db = app.add_subcommand("db", "Work on the database: create it, read its lists and settings, import an old one");
+    db->require_subcommand(1);
+    register_db_init(*db, status);
+    register_db_refs(*db, status);
+    register_db_params(*db, status);
+    register_db_import(*db, status);
+}
+
+}  // namespace nimbara::cli

@@ -1,0 +1,83 @@
+// nimbara db refs NAME [--active]: one reference list as tab-separated rows with a header line.
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include "commands.hpp"
+#include "db_command.hpp"
+#include "nimbara/cls_Ref.hpp"
+
+namespace nimbara::cli {
+namespace {
+
+struct RefsOptions {
+    std::string conn;
+    std::string name;
+    bool active = false;
+};
+
+using Maker = std::unique_ptr<RefList> (*)(std::shared_ptr<Database>);
+
+template <class T>
+std::unique_ptr<RefList> make(std::shared_ptr<Database> db)
+{
+    return std::make_unique<T>(std::move(db));
+}
+
+const std::map<std::string, Maker>& lists()
+{
+    static const std::map<std::string, Maker> m = {
+        {"ambito", make<cls_Ref_ADistribuicao>},   {"conteudo", make<cls_Ref_Conteudos>},
+        {"desconto", make<cls_Ref_Descontos>},     {"sampling", make<cls_Ref_ESampling>},
+        {"formato", make<cls_Ref_Formato>},        {"pretratamento", make<cls_Ref_PreTratamento>},
+        {"produto", make<cls_Ref_Produto>},        {"refcliente", make<cls_Ref_RefCliente>},
+        {"servico", make<cls_Ref_SEspeciais>},     {"velocidade", make<cls_Ref_Velocidade>},
+        {"zona", make<cls_Ref_ZTaxacao>},
+    };
+    return m;
+}
+
+// A text cell must not break the table: tabs and line breaks become blanks.
+std::string cell(const FieldValue& v)
+{
+    std::string t = v.text();
+    for (char& c : t)
+        if (c == '\t' || c == '\n' || c == '\r') c = ' ';
+    return t;
+}
+
+int refs(const RefsOptions& o)
+{
+    const auto list = lists().at(o.name)(open_command_database(o.conn));
+    Recordset rs;
+    if (o.active)
+        list->SelectAllActive(rs);
+    else
+        list->SelectAll(rs);
+    // The columns as the schema spells them, whatever case the store reports them in.
+    std::vector<std::string> columns = {"Codigo", "Designacao", "Activo", "Observacoes"};
+    if (o.name == "refcliente") columns.resize(2);
+    for (std::size_t c = 0; c < columns.size(); ++c) std::cout << (c ? "\t" : "") << columns[c];
+    std::cout << '\n';
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        for (std::size_t c = 0; c < columns.size(); ++c) std::cout << (c ? "\t" : "") << cell(rs[columns[c]]);
+        std::cout << '\n';
+    }
+    return 0;
+}
+
+}  // namespace
+
+void register_db_refs(CLI::App& db, int& status)
+{
+    auto* cmd = db.add_subcommand("refs", "Print a reference list as tab-separated rows with a header line");
+    auto o = std::make_shared<RefsOptions>();
+    std::vector<std::string> names;
+    for (const auto& [name, maker] : lists()) names.push_back(name);
+    cmd->add_option("NAME", o->name, "The list")->required()->check(CLI::IsMember(names));
+    cmd->add_flag("--active", o->active, "Only the active rows (the client references have no such mark: all rows)");
+    add_db_option(*cmd, o->conn);
+    cmd->callback([o, &status] { status = run_db_command("refs", std::cerr, [&] { return refs(*o); }); });
+}
+
+}  // namespace nimbara::cli

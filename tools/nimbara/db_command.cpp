@@ -1,0 +1,40 @@
+#include "db_command.hpp"
+
+#include <ostream>
+
+#include "nimbara/mdl_Biz.hpp"
+
+namespace nimbara::cli {
+
+void add_db_option(CLI::App& cmd, std::string& conn)
+{
+    cmd.add_option("--db", conn,
+                   "The database: sqlite:FILE, postgresql://... or Provider=...;Data Source = FILE "
+                   "(default: Conn of Zartel_Nimbara.Ini in the working directory)");
+}
+
+std::string command_connection(const std::string& conn)
+{
+    if (!conn.empty()) return conn;
+    if (!Le_Ini())
+        throw CommandError("no database: give --db, or a Conn in section [Nimbarauto] of Zartel_Nimbara.Ini "
+                           "in the working directory");
+    return gConnString;
+}
+
+std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode)
+{
+    return OpenDatabase(command_connection(conn), mode);
+}
+
+int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body)
+{
+    try {
+        return body();
+    } catch (const std::exception& e) {
+        err << "nimbara db " << name << ": " << e.what() << '\n';
+        return 2;
+    }
+}
+
+}  // namespace nimbara::cli

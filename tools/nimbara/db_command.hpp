@@ -1,0 +1,34 @@
+#pragma once
+// What the `nimbara db` commands share: the connection (from --db or from Zartel_Nimbara.Ini in
+// the working directory) and the way a failure becomes a message and exit status 2.
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "nimbara/Database.hpp"
+
+namespace nimbara::cli {
+
+// Input the command refuses; its text is the whole message.
+class CommandError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Adds --db to a db command; the string stays empty when the option is not given.
+void add_db_option(CLI::App& cmd, std::string& conn);
+
+// The connection string of --db, or Conn of the ini file when `conn` is empty.
+std::string command_connection(const std::string& conn);
+
+// The database of --db, or of the ini file when `conn` is empty.
+std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode = OpenMode::Existing);
+
+// Runs a db command's body: any failure is written as "nimbara db NAME: message" and gives 2.
+int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body);
+
+}  // namespace nimbara::cli
