@@ -1,3 +1,6 @@
+#include <map>
+#include <vector>
+
 #include "entities/connection.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
@@ -238,16 +241,28 @@ void cls_Guia_Cabecalho::FillColLinha()
     cls_Guia_Linha reader(myConn);
     Recordset rs;
     reader.SelectAll(rs, vNReq);
+    // The services of every line in one query, rather than one query a line; each line gets what
+    // its own FillColSEspecial would have read.
+    std::map<std::int64_t, std::vector<std::pair<std::string, float>>> services;
+    Recordset all = require(myConn).open(
+        "SELECT N_Linha, CodigoServicoEspecial, Valor FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ? "
+        "ORDER BY N_Linha, CodigoServicoEspecial",
+        {vNReq});
+    for (; !all.IsEOF(); all.MoveNext())
+        services[all["N_Linha"].integer()].emplace_back(all["CodigoServicoEspecial"].text(),
+                                                        static_cast<float>(all["Valor"].number()));
     for (; !rs.IsEOF(); rs.MoveNext()) {
         const auto small = [&](const char* name) { return static_cast<std::int16_t>(rs[name].integer()); };
         std::string divisao = rs["O_Divisao_Remetente"].text();
-        AddLinha(small("N_Linha"), rs["A_Zona_Taxacao"].text(), rs["B_Produto"].text(),
-                 static_cast<std::int32_t>(rs["C_Escalao"].integer()),
-                 static_cast<std::int32_t>(rs["D_Quantidade"].integer()), rs["E_Velocidade"].text(),
-                 rs["F_Formato"].text(), rs["G_Pre_Tratamento"].text(), rs["H_Descontos"].text(),
-                 rs["K_Entrega_Sampling"].text(), small("L_TaxEsp_Semana"), small("M_TaxEsp_Quantidade"),
-                 rs["N_Ambito_Distrib"].text(), divisao, rs["CodigoCampanha"].text(), rs["Q_Conteudo"].text(),
-                 rs["P_RefCliente"].text(), false);
+        cls_Guia_Linha& line = AddLinha(
+            small("N_Linha"), rs["A_Zona_Taxacao"].text(), rs["B_Produto"].text(),
+            static_cast<std::int32_t>(rs["C_Escalao"].integer()), static_cast<std::int32_t>(rs["D_Quantidade"].integer()),
+            rs["E_Velocidade"].text(), rs["F_Formato"].text(), rs["G_Pre_Tratamento"].text(), rs["H_Descontos"].text(),
+            rs["K_Entrega_Sampling"].text(), small("L_TaxEsp_Semana"), small("M_TaxEsp_Quantidade"),
+            rs["N_Ambito_Distrib"].text(), divisao, rs["CodigoCampanha"].text(), rs["Q_Conteudo"].text(),
+            rs["P_RefCliente"].text(), true);
+        line.vIsNew = false;
+        for (const auto& [code, valor] : services[line.vNLinha]) line.AddSEspecial(code, valor, false);
     }
     rs.Close();
 }
