@@ -46,12 +46,12 @@ void cls_Guia_Cabecalho::update()
          vNCredencial, vRecolhido, vFicheiro, vObservacoes, vNCompromisso, vNReq});
 }
 
-void cls_Guia_Cabecalho::save_lines()
+void cls_Guia_Cabecalho::save_lines(bool fresh_number)
 {
     for (std::size_t i = 1; i <= mColLinha.Count(); ++i) {
         cls_Guia_Linha& line = mColLinha.Item(i);
         if (!line.vToDelete) {
-            line.save();
+            line.save(fresh_number);
             continue;
         }
         for (std::size_t s = 1; s <= line.mColSEspecial.Count(); ++s) line.mColSEspecial.Item(s).remove();
@@ -77,17 +77,24 @@ bool cls_Guia_Cabecalho::DoSaveNumerada()
         Database& db = require(myConn);
         Transaction t(db, TransactionMode::Numbering);
         const Timestamp year_start{vDReq.year, 1, 1}, next_year{vDReq.year + 1, 1, 1};
-        vNReq = max_of("SELECT MAX(N_Req) FROM Tbl_Cab", {}) + 1;
-        vNReq2 = max_of("SELECT MAX(N_Req2) FROM Tbl_Cab WHERE Id_Cliente = ?", {iId_Cliente}) + 1;
-        vNIDReqAnual = max_of("SELECT MAX(Id_Req_Anual) FROM Tbl_Cab WHERE Id_Cliente = ? AND D_Req >= ? AND D_Req < ?",
-                              {iId_Cliente, year_start, next_year}) + 1;
+        const Recordset highest = db.open(
+            "SELECT (SELECT MAX(N_Req) FROM Tbl_Cab) AS N_Req, "
+            "(SELECT MAX(N_Req2) FROM Tbl_Cab WHERE Id_Cliente = ?) AS N_Req2, "
+            "(SELECT MAX(Id_Req_Anual) FROM Tbl_Cab WHERE Id_Cliente = ? AND D_Req >= ? AND D_Req < ?) AS Anual",
+            {iId_Cliente, iId_Cliente, year_start, next_year});
+        const auto next = [&](const char* name) {
+            return highest[name].is_null() ? 1 : static_cast<std::int32_t>(highest[name].integer()) + 1;
+        };
+        vNReq = next("N_Req");
+        vNReq2 = next("N_Req2");
+        vNIDReqAnual = next("Anual");
         for (std::size_t i = 1; i <= mColLinha.Count(); ++i) {
             cls_Guia_Linha& line = mColLinha.Item(i);
             line.vNReq = vNReq;
             for (std::size_t s = 1; s <= line.mColSEspecial.Count(); ++s) line.mColSEspecial.Item(s).vNReq = vNReq;
         }
         insert(true);
-        save_lines();
+        save_lines(true);
         t.commit();
     });
     if (!saved) {
