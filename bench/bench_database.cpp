@@ -164,7 +164,9 @@ public:
     {
         for (const auto& run : runs) {
             const auto it = run.counters.find("items_per_second");
-            if (it != run.counters.end()) rates_[run.benchmark_name()] = it->second.value;
+            std::string name = run.benchmark_name();
+            if (const auto suffix = name.find("/real_time"); suffix != std::string::npos) name.erase(suffix);
+            if (it != run.counters.end()) rates_[name] = it->second.value;
         }
         ConsoleReporter::ReportRuns(runs);
     }
