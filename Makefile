@@ -51,7 +51,7 @@ fuzz: deps
 	done
 
 bench: build
-	@for b in $(BUILD_DIR)/bin/bench_*; do echo "== $$b"; $$b; done
+	@for b in $(BUILD_DIR)/bin/bench_*; do echo "== $$b"; scripts/with-postgres $$b; done
 
 clean:
 	@rm -rf $(BUILD_DIR) $(SANITIZE_DIR) $(FUZZ_DIR)

@@ -98,7 +98,8 @@ public:
 
 private:
     friend class cls_Guia_Cabecalho;
-    void save();
+    // `fresh_number`: no stored row can have this line's number, so the insert replaces nothing.
+    void save(bool fresh_number = false);
     void remove();
     std::string last_error_;
 };
@@ -136,7 +137,7 @@ public:
     // Saves this header, as a new Guia, with fresh numbers: inside its own transaction, under the
     // store's numbering lock, it takes vNReq (the highest N_Req plus one), vNReq2 (per client, by
     // iId_Cliente) and vNIDReqAnual (per client and calendar year of vDReq), and stores the header
-    // with its lines and services. Stations saving at once never share a number and never lose a
+    // (vCodTerceiro included) with its lines and services. Stations saving at once never share a number and never lose a
     // Guia. True on success; on failure nothing is stored, the numbers are as before, and
     // LastError() says why. The SelectMax family stays for hosts that number by themselves.
     bool DoSaveNumerada();
@@ -173,9 +174,10 @@ public:
     const std::string& LastError() const { return last_error_; }
 
 private:
-    void insert();
+    void insert(bool with_third_party = false);
     void update();
-    void save_lines();
+    // `fresh_number`: the Guia's number was just taken, so no stored line can be in the way.
+    void save_lines(bool fresh_number = false);
     std::int32_t max_of(const std::string& sql, std::initializer_list<FieldValue> values);
     std::string last_error_;
 };

@@ -14,6 +14,8 @@ void register_db_init(CLI::App& db, int& status);
 void register_db_refs(CLI::App& db, int& status);
 void register_db_params(CLI::App& db, int& status);
 void register_db_import(CLI::App& db, int& status);
+void register_db_guia(CLI::App& db, int& status);
+void register_db_client(CLI::App& db, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
