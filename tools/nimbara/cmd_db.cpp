@@ -10,6 +10,8 @@ void register_db(CLI::App& app, int& status)
     register_db_init(*db, status);
     register_db_refs(*db, status);
     register_db_params(*db, status);
+    register_db_list(*db, status);
+    register_db_export(*db, status);
 }
 
 }  // namespace nimbara::cli
