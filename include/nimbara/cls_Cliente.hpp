@@ -84,6 +84,10 @@ public:
 
     // The client and its contracts (deleted, inserted or updated by their flags), in one transaction.
     std::int16_t DoSave();
+    // DoSave, and for a new client the next Id_Cliente (the highest plus one) taken inside the same
+    // transaction under the store's numbering lock, given to its contracts too. True on success; on
+    // failure nothing is stored, iId_Cliente is as before and LastError() says why.
+    bool DoSaveNumerado();
     // The old simple deletion, which names a column the table lacks: it fails, and now leaves the
     // contracts too. DeleteRegs is the deletion that works.
     void DoDelete();

@@ -136,7 +136,7 @@ public:
     // Saves this header, as a new Guia, with fresh numbers: inside its own transaction, under the
     // store's numbering lock, it takes vNReq (the highest N_Req plus one), vNReq2 (per client, by
     // iId_Cliente) and vNIDReqAnual (per client and calendar year of vDReq), and stores the header
-    // with its lines and services. Stations saving at once never share a number and never lose a
+    // (vCodTerceiro included) with its lines and services. Stations saving at once never share a number and never lose a
     // Guia. True on success; on failure nothing is stored, the numbers are as before, and
     // LastError() says why. The SelectMax family stays for hosts that number by themselves.
     bool DoSaveNumerada();
@@ -173,7 +173,7 @@ public:
     const std::string& LastError() const { return last_error_; }
 
 private:
-    void insert();
+    void insert(bool with_third_party = false);
     void update();
     void save_lines();
     std::int32_t max_of(const std::string& sql, std::initializer_list<FieldValue> values);

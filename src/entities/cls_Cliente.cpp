@@ -55,6 +55,22 @@ std::int16_t cls_Cliente::DoSave()
     return 0;
 }
 
+bool cls_Cliente::DoSaveNumerado()
+{
+    const std::int32_t before = iId_Cliente;
+    const bool saved = entities::keep_failure(last_error_, [&] {
+        Transaction t(require(myConn), TransactionMode::Numbering);
+        if (vIsNew) {
+            iId_Cliente = SelectMax() + 1;
+            for (std::size_t i = 1; i <= mColContrato.Count(); ++i) mColContrato.Item(i).iId_Cliente = iId_Cliente;
+        }
+        save();
+        t.commit();
+    });
+    if (!saved) iId_Cliente = before;
+    return saved;
+}
+
 void cls_Cliente::DoDelete()
 {
     entities::keep_failure(last_error_, [&] {

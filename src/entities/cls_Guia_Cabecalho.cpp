@@ -17,15 +17,19 @@ cls_Guia_Cabecalho::cls_Guia_Cabecalho(std::shared_ptr<Database> db) : vDReq(Tim
 {
 }
 
-void cls_Guia_Cabecalho::insert()
+void cls_Guia_Cabecalho::insert(bool with_third_party)
 {
-    // CodigoTerceiro stays null on a new row; the first update sets it.
+    // The old insert leaves CodigoTerceiro null on a new row, for the first update to set.
+    const std::string third = with_third_party ? ", CodigoTerceiro" : "";
+    std::vector<FieldValue> values = {vNReq, iId_Cliente, whole(vCodCliente), whole(vCodContrato), vDReq,
+                                      vPagamento, vCredenciado, vNCredencial, vRecolhido, vSituacao, vFicheiro,
+                                      vObservacoes, vNReq2, vNIDReqAnual, vNCompromisso};
+    if (with_third_party) values.emplace_back(vCodTerceiro);
     require(myConn).execute(
         "INSERT INTO Tbl_Cab (N_Req, Id_Cliente, Cod_Cliente, Cod_Contrato, D_Req, Pagamento, Credenciado, "
-        "N_Credencial, Recolhido, Situacao, Ficheiro, Observacoes, N_Req2, Id_Req_Anual, nCompromisso) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-        {vNReq, iId_Cliente, whole(vCodCliente), whole(vCodContrato), vDReq, vPagamento, vCredenciado, vNCredencial,
-         vRecolhido, vSituacao, vFicheiro, vObservacoes, vNReq2, vNIDReqAnual, vNCompromisso});
+        "N_Credencial, Recolhido, Situacao, Ficheiro, Observacoes, N_Req2, Id_Req_Anual, nCompromisso" + third +
+            ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?" + (with_third_party ? ", ?" : "") + ")",
+        values);
 }
 
 void cls_Guia_Cabecalho::update()
@@ -79,7 +83,7 @@ bool cls_Guia_Cabecalho::DoSaveNumerada()
             line.vNReq = vNReq;
             for (std::size_t s = 1; s <= line.mColSEspecial.Count(); ++s) line.mColSEspecial.Item(s).vNReq = vNReq;
         }
-        insert();
+        insert(true);
         save_lines();
         t.commit();
     });

@@ -5,7 +5,7 @@
 //   N_Req  client          N_Req2  date                 lines (weight)  services a line
 //   10     1001 Zé d'...   2       2024-03-05 09:00     2 (50)          2
 //   11     1001            1       2023-12-31 23:59:59  1 (100)         1
-//   12     1002 Alfa       1       2024-12-01 00:00     3 (20)          1
+//   12     1002 Alfa, "Lda"  1       2024-12-01 00:00     3 (20)          1
 //   13     1002            2       2024-03-31 10:00     1 (20)          0
 // Line n has the quantity 100 * n.
 #include <memory>
@@ -19,7 +19,7 @@ namespace nimbara::testing {
 inline void store_listing_guias(const std::shared_ptr<Database>& db)
 {
     store_client(db, 1, "Zé d'Almeida");
-    store_client(db, 2, "Alfa");
+    store_client(db, 2, "Alfa, \"Lda\"");
     struct Stored { int client; std::int32_t n_req, n_req2; Timestamp date; int lines, weight, services; };
     const Stored guias[] = {
         {1, 10, 2, {2024, 3, 5, 9, 0, 0}, 2, 50, 2},

@@ -5,13 +5,15 @@ namespace nimbara::cli {
 
 void register_db(CLI::App& app, int& status)
 {
-    auto* db = app.add_subcommand("db", "Work on the database: create it, read its lists and settings");
+    auto* db = app.add_subcommand("db", "Work on the database: create it, read its lists and settings, store clients and Guias");
     db->require_subcommand(1);
     register_db_init(*db, status);
     register_db_refs(*db, status);
     register_db_params(*db, status);
     register_db_list(*db, status);
     register_db_export(*db, status);
+    register_db_guia(*db, status);
+    register_db_client(*db, status);
 }
 
 }  // namespace nimbara::cli

@@ -138,6 +138,24 @@ GuiaFile read_guia_file(const std::filesystem::path& path)
     return file;
 }
 
+std::string guia_file_json(const GuiaFile& file)
+{
+    // The ordered form keeps the arguments' order, as a reader expects them.
+    nlohmann::ordered_json root;
+    const auto ordered = [](const auto& values, const auto& names) {
+        nlohmann::ordered_json o = nlohmann::ordered_json::object();
+        for (std::size_t i = 0; i < names.size(); ++i) o[std::string(names[i])] = values[i];
+        return o;
+    };
+    root["cabecalho"] = ordered(file.cabecalho, kCabecalho);
+    root["parametros"] = ordered(file.parametros, kParametros);
+    root["produtos"] = nlohmann::ordered_json::array();
+    for (const auto& p : file.produtos) root["produtos"].push_back(ordered(p, kProduto));
+    root["servicos"] = nlohmann::ordered_json::array();
+    for (const auto& sv : file.servicos) root["servicos"].push_back(ordered(sv, kServico));
+    return root.dump(2) + "\n";
+}
+
 std::optional<std::string> fill_guia(cls_ValProdutosA& guia, const GuiaFile& file)
 {
     const auto call = [&](auto operation, const auto& args) {

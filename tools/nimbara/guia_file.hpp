@@ -27,6 +27,9 @@ struct GuiaFileError : std::runtime_error {
 // Missing keys are the empty text; numbers become text. Throws GuiaFileError.
 GuiaFile read_guia_file(const std::filesystem::path& path);
 
+// The file as JSON, every key present, in the order of the fill operations' arguments.
+std::string guia_file_json(const GuiaFile& file);
+
 // Fills the façade in file order: header, parameters, products, services. Answers a message naming
 // the place of the first fill that answered -1, or nothing when all were accepted.
 std::optional<std::string> fill_guia(cls_ValProdutosA& guia, const GuiaFile& file);

@@ -1,0 +1,260 @@
+// nimbara db client save CLIENT.json | show COD | list | delete COD: clients with their contracts.
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "commands.hpp"
+#include "db_command.hpp"
+#include "nimbara/cls_Cliente.hpp"
+
+namespace nimbara::cli {
+namespace {
+
+using nlohmann::ordered_json;
+
+struct ClientOptions {
+    std::string conn;
+    std::string file;
+    std::int32_t cod = 0;
+};
+
+// Reads the keys of one object into the properties they name; a key of no property, or a value of
+// the wrong type, is refused with its place.
+class ObjectReader {
+public:
+    ObjectReader(const ordered_json& object, std::string place) : object_(object), place_(std::move(place))
+    {
+        if (!object.is_object()) throw CommandError(place_ + ": expected an object");
+    }
+    void text(const char* key, std::string& into)
+    {
+        if (auto* v = take(key)) {
+            if (v->is_string()) into = v->get<std::string>();
+            else if (v->is_number_integer()) into = std::to_string(v->get<std::int64_t>());
+            else throw CommandError(place_ + "/" + key + ": expected text");
+        }
+    }
+    template <class T>
+    void number(const char* key, T& into)
+    {
+        if (auto* v = take(key)) {
+            if (!v->is_number_integer() || v->get<std::int64_t>() < std::numeric_limits<T>::min() ||
+                v->get<std::int64_t>() > std::numeric_limits<T>::max())
+                throw CommandError(place_ + "/" + key + ": expected a whole number in range");
+            into = static_cast<T>(v->get<std::int64_t>());
+        }
+    }
+    void yes_no(const char* key, bool& into)
+    {
+        if (auto* v = take(key)) {
+            if (!v->is_boolean()) throw CommandError(place_ + "/" + key + ": expected true or false");
+            into = v->get<bool>();
+        }
+    }
+    const ordered_json* take(const char* key)
+    {
+        if (!object_.contains(key)) return nullptr;
+        ++taken_;
+        return &object_[key];
+    }
+    // Every key must have been taken by now.
+    void done() const
+    {
+        if (taken_ == object_.size()) return;
+        for (const auto& [key, value] : object_.items())
+            if (!known(key)) throw CommandError(place_ + ": unknown key \"" + key + "\"");
+    }
+    void know(std::initializer_list<const char*> keys) { known_.assign(keys.begin(), keys.end()); }
+
+private:
+    bool known(const std::string& key) const
+    {
+        for (const auto& k : known_)
+            if (key == k) return true;
+        return false;
+    }
+    const ordered_json& object_;
+    std::string place_;
+    std::size_t taken_ = 0;
+    std::vector<std::string> known_;
+};
+
+void require_whole(const std::string& text, const std::string& place)
+{
+    try {
+        const auto n = FieldValue(text).integer();
+        if (std::to_string(n) != text && text != "0" + std::to_string(n)) throw std::invalid_argument(text);
+    } catch (const std::exception&) {
+        throw CommandError(place + ": \"" + text + "\" is no whole number");
+    }
+}
+
+int save(const ClientOptions& o)
+{
+    std::ifstream in(o.file, std::ios::binary);
+    if (!in) throw CommandError(o.file + ": cannot open the file");
+    ordered_json root;
+    try {
+        root = ordered_json::parse(std::string(std::istreambuf_iterator<char>(in), {}));
+    } catch (const ordered_json::parse_error& e) {
+        throw CommandError(o.file + ": " + e.what());
+    }
+    const auto db = open_command_database(o.conn);
+    cls_Cliente c(db);
+    ObjectReader r(root, o.file + ": ");
+    r.know({"vCod_Cliente", "vNome", "iTipoCliente", "vMorada", "vLocalidade", "vCodPostal", "vDesigPostal", "vNIF",
+            "vObservacoes", "iAcessoRede", "contratos"});
+    std::string cod;
+    r.text("vCod_Cliente", cod);
+    require_whole(cod, o.file + ": /vCod_Cliente");
+    std::string lookup = cod;
+    if (c.Busca_Cliente(lookup)) c.SelectMeByCod_Cliente(static_cast<std::int32_t>(FieldValue(cod).integer()));
+    c.vCod_Cliente = cod;
+    r.text("vNome", c.vNome);
+    r.number("iTipoCliente", c.iTipoCliente);
+    r.text("vMorada", c.vMorada);
+    r.text("vLocalidade", c.vLocalidade);
+    r.text("vCodPostal", c.vCodPostal);
+    r.text("vDesigPostal", c.vDesigPostal);
+    r.text("vNIF", c.vNIF);
+    r.text("vObservacoes", c.vObservacoes);
+    r.number("iAcessoRede", c.iAcessoRede);
+    std::set<std::int64_t> seen;
+    if (const auto* list = r.take("contratos")) {
+        if (!list->is_array()) throw CommandError(o.file + ": /contratos: expected a list");
+        for (std::size_t i = 0; i < list->size(); ++i) {
+            const std::string place = o.file + ": /contratos/" + std::to_string(i);
+            ObjectReader cr((*list)[i], place);
+            cr.know({"vCodContrato", "vDesignacao", "vJppCredenciado", "vCodCredencial", "vValidacao", "vDescricao",
+                     "bActivo"});
+            cls_Contrato k(db);
+            cr.text("vCodContrato", k.vCodContrato);
+            require_whole(k.vCodContrato, place + "/vCodContrato");
+            if (!seen.insert(FieldValue(k.vCodContrato).integer()).second)
+                throw CommandError(place + "/vCodContrato: contract " + k.vCodContrato + " is given twice");
+            cr.text("vDesignacao", k.vDesignacao);
+            cr.yes_no("vJppCredenciado", k.vJppCredenciado);
+            cr.text("vCodCredencial", k.vCodCredencial);
+            cr.text("vValidacao", k.vValidacao);
+            cr.text("vDescricao", k.vDescricao);
+            cr.yes_no("bActivo", k.bActivo);
+            cr.done();
+            // A contract the client has already is updated in place; others are added.
+            std::size_t found = 0;
+            for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j)
+                if (FieldValue(c.mColContrato.Item(j).vCodContrato).integer() == FieldValue(k.vCodContrato).integer())
+                    found = j;
+            if (found)
+                c.UpdateListContrato(static_cast<std::int32_t>(found), k.vCodContrato, k.vDesignacao, k.vJppCredenciado,
+                                     k.vCodCredencial, k.vValidacao, k.vDescricao, k.bActivo,
+                                     c.mColContrato.Item(found).dDataActividade);
+            else
+                c.AddContrato(c.iId_Cliente, k.vCodContrato, k.vDesignacao, k.vJppCredenciado, k.vCodCredencial,
+                              k.vValidacao, k.vDescricao, k.bActivo, k.dDataActividade);
+        }
+    }
+    r.done();
+
+    // A new contract is stored active; the second save within the same transaction writes the
+    // active mark the file gives.
+    Transaction t(*db, TransactionMode::Numbering);
+    if (!c.DoSaveNumerado()) throw CommandError("nothing was stored: " + c.LastError());
+    c.vIsNew = false;
+    for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) c.mColContrato.Item(j).vIsNew = false;
+    c.DoSave();
+    if (!c.LastError().empty()) throw CommandError("nothing was stored: " + c.LastError());
+    t.commit();
+    std::cout << c.iId_Cliente << '\t' << c.vCod_Cliente << '\n';
+    return 0;
+}
+
+cls_Cliente& find(cls_Cliente& c, std::int32_t cod)
+{
+    std::string number = std::to_string(cod);
+    if (!c.Busca_Cliente(number)) throw CommandError("no client " + number);
+    c.SelectMeByCod_Cliente(cod);
+    return c;
+}
+
+int show(const ClientOptions& o)
+{
+    cls_Cliente c(open_command_database(o.conn));
+    find(c, o.cod);
+    ordered_json out = {{"vCod_Cliente", c.vCod_Cliente}, {"vNome", c.vNome}, {"iTipoCliente", c.iTipoCliente},
+                        {"vMorada", c.vMorada}, {"vLocalidade", c.vLocalidade}, {"vCodPostal", c.vCodPostal},
+                        {"vDesigPostal", c.vDesigPostal}, {"vNIF", c.vNIF}, {"vObservacoes", c.vObservacoes},
+                        {"iAcessoRede", c.iAcessoRede}};
+    out["contratos"] = ordered_json::array();
+    for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) {
+        const cls_Contrato& k = c.mColContrato.Item(j);
+        out["contratos"].push_back({{"vCodContrato", k.vCodContrato}, {"vDesignacao", k.vDesignacao},
+                                    {"vJppCredenciado", k.vJppCredenciado}, {"vCodCredencial", k.vCodCredencial},
+                                    {"vValidacao", k.vValidacao}, {"vDescricao", k.vDescricao},
+                                    {"bActivo", k.bActivo}});
+    }
+    std::cout << out.dump(2) << '\n';
+    return 0;
+}
+
+int list(const ClientOptions& o)
+{
+    cls_Cliente c(open_command_database(o.conn));
+    Recordset rs;
+    c.SelectAll(rs);
+    const char* columns[] = {"Id_Cliente", "Cod_Cliente", "Nome", "iTipoCliente", "Morada", "Localidade",
+                             "Cod_Postal", "Desig_Postal", "NContribuinte", "Observacoes", "IAcessoRede"};
+    for (std::size_t i = 0; i < std::size(columns); ++i) std::cout << (i ? "\t" : "") << columns[i];
+    std::cout << '\n';
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        for (std::size_t i = 0; i < std::size(columns); ++i) {
+            std::string v = rs[columns[i]].text();
+            for (char& ch : v)
+                if (ch == '\t' || ch == '\n' || ch == '\r') ch = ' ';
+            std::cout << (i ? "\t" : "") << v;
+        }
+        std::cout << '\n';
+    }
+    return 0;
+}
+
+int remove(const ClientOptions& o)
+{
+    cls_Cliente c(open_command_database(o.conn));
+    find(c, o.cod);
+    c.DeleteRegs(std::to_string(c.iId_Cliente));
+    if (!c.LastError().empty()) throw CommandError("nothing was deleted: " + c.LastError());
+    return 0;
+}
+
+}  // namespace
+
+void register_db_client(CLI::App& db, int& status)
+{
+    auto* client = db.add_subcommand("client", "Clients with their contracts");
+    client->require_subcommand(1);
+    auto o = std::make_shared<ClientOptions>();
+    const auto add = [&](const char* name, const char* help, int (*body)(const ClientOptions&)) {
+        auto* cmd = client->add_subcommand(name, help);
+        add_db_option(*cmd, o->conn);
+        cmd->callback([o, &status, name, body] {
+            status = run_db_command(std::string("client ") + name, std::cerr, [&] { return body(*o); });
+        });
+        return cmd;
+    };
+    add("save", "Create or update a client and its contracts from a JSON file; print Id_Cliente and Cod_Cliente", save)
+        ->add_option("CLIENT", o->file, "The client file (JSON)")
+        ->required();
+    add("show", "Write a client with its contracts as JSON", show)->add_option("COD", o->cod, "The client number")->required();
+    add("list", "Print every client as TSV with a header line", list);
+    add("delete", "Delete a client with its contracts and Guias", remove)
+        ->add_option("COD", o->cod, "The client number")
+        ->required();
+}
+
+}  // namespace nimbara::cli

@@ -1,0 +1,73 @@
+// nimbara db save GUIA.json | db show N_REQ | db delete N_REQ: Guia files in and out of the database.
+#include <iostream>
+#include <memory>
+
+#include "commands.hpp"
+#include "db_command.hpp"
+#include "guia_file.hpp"
+#include "guia_record.hpp"
+
+namespace nimbara::cli {
+namespace {
+
+struct GuiaOptions {
+    std::string conn;
+    std::string file;
+    std::int32_t n_req = 0;
+};
+
+int save(const GuiaOptions& o)
+{
+    GuiaFile file;
+    try {
+        file = read_guia_file(o.file);
+    } catch (const GuiaFileError& e) {
+        throw CommandError(e.what());
+    }
+    const auto db = open_command_database(o.conn);
+    const auto guia = guia_from_file(file, o.file, db);
+    if (!guia->DoSaveNumerada()) throw CommandError("nothing was stored: " + guia->LastError());
+    std::cout << guia->vNReq << '\t' << guia->vNReq2 << '\t' << guia->vNIDReqAnual << '\n';
+    return 0;
+}
+
+int show(const GuiaOptions& o)
+{
+    std::cout << guia_file_json(file_from_guia(o.n_req, open_command_database(o.conn)));
+    return 0;
+}
+
+int remove(const GuiaOptions& o)
+{
+    const auto db = open_command_database(o.conn);
+    if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
+        throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    cls_Guia_Cabecalho g(db);
+    g.vNReq = o.n_req;
+    g.DoDelete();
+    if (!g.LastError().empty()) throw CommandError("nothing was deleted: " + g.LastError());
+    return 0;
+}
+
+}  // namespace
+
+void register_db_guia(CLI::App& db, int& status)
+{
+    auto o = std::make_shared<GuiaOptions>();
+    auto* save_cmd = db.add_subcommand("save", "Store a Guia file as a new Guia with fresh numbers; print N_Req, N_Req2 and Id_Req_Anual");
+    save_cmd->add_option("GUIA", o->file, "The Guia file (JSON), as check and print read it")->required();
+    add_db_option(*save_cmd, o->conn);
+    save_cmd->callback([o, &status] { status = run_db_command("save", std::cerr, [&] { return save(*o); }); });
+
+    auto* show_cmd = db.add_subcommand("show", "Write a stored Guia as a Guia file");
+    show_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
+    add_db_option(*show_cmd, o->conn);
+    show_cmd->callback([o, &status] { status = run_db_command("show", std::cerr, [&] { return show(*o); }); });
+
+    auto* delete_cmd = db.add_subcommand("delete", "Delete a stored Guia with its lines and services");
+    delete_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
+    add_db_option(*delete_cmd, o->conn);
+    delete_cmd->callback([o, &status] { status = run_db_command("delete", std::cerr, [&] { return remove(*o); }); });
+}
+
+}  // namespace nimbara::cli
