@@ -4,6 +4,7 @@
 
 #include <iostream>
 #include <memory>
+#include <variant>
 
 #include "commands.hpp"
 #include "db_command.hpp"
@@ -38,18 +39,15 @@ std::string csv_cell(const std::string& text)
     return out + '"';
 }
 
+// Numbers and yes/no as JSON has them, Null as null, everything else (dates too) as its text.
 nlohmann::ordered_json json_value(const FieldValue& v)
 {
-    switch (v.kind()) {
-    case ValueKind::Null: return nullptr;
-    case ValueKind::Number: {
-        const double d = v.number();
-        if (d == static_cast<double>(v.integer())) return v.integer();
-        return d;
-    }
-    case ValueKind::YesNo: return v.yes_no();
-    default: return v.text();
-    }
+    const auto& a = v.alternatives();
+    if (v.is_null()) return nullptr;
+    if (const auto* i = std::get_if<std::int64_t>(&a)) return *i;
+    if (const auto* d = std::get_if<double>(&a)) return *d;
+    if (const auto* b = std::get_if<bool>(&a)) return *b;
+    return v.text();
 }
 
 void write_row(std::ostream& out, const std::string& format, const std::vector<std::string>& cells)
