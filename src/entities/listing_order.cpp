@@ -49,7 +49,7 @@ void check(const std::string& lower, std::string_view order)
 {
     std::vector<std::string> words;
     const auto end_item = [&] {
-        if (words.empty()) refuse("has an empty place between commas", order);
+        if (words.empty()) refuse("has an empty place where a column word belongs", order);
         if (!is_column_word(words[0])) refuse("has \"" + words[0] + "\" where a column word belongs", order);
         if (words.size() > 2) refuse("has \"" + words[2] + "\" after a direction", order);
         if (words.size() == 2 && words[1] != "asc" && words[1] != "desc")
