@@ -54,11 +54,12 @@ TEST_P(DbListingTest, ListsInEachFormat)
     lines = split_lines(r.out, "\r\n");
     ASSERT_EQ(lines.size(), 5u) << r.out;
     EXPECT_EQ(lines[0].substr(0, 15), "Req1,Req2,Req,G");
-    EXPECT_EQ(lines[1].substr(0, 50), "12,1,12,7,3,01/12/2024,1002,\"Alfa, \"\"Lda\"\"\",1,0 - ") << lines[1];
+    EXPECT_EQ(lines[1].substr(0, 66), "12,1,12,7,3,01/12/2024,1002,\"Alfa, \"\"Lda\"\"\",1,\"0 - \",C01 - Produto")
+        << "quoted where a spreadsheet would split or trim: " << lines[1];
 
     r = program("list --client 1002 --format json");
     ASSERT_EQ(r.status, 0) << r.err;
-    const auto rows = nlohmann::json::parse(r.out);
+    const auto rows = nlohmann::ordered_json::parse(r.out);
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(rows[0]["Req"], 12);
     EXPECT_EQ(rows[0]["Nome"], "Alfa, \"Lda\"");
