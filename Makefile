@@ -21,7 +21,7 @@ test: build
 	@cd $(BUILD_DIR) && $(CURDIR)/scripts/with-postgres ctest --output-on-failure -j $(JOBS)
 
 bench: build
-	@for b in $(BUILD_DIR)/bin/bench_*; do echo "== $$b"; $$b; done
+	@for b in $(BUILD_DIR)/bin/bench_*; do echo "== $$b"; scripts/with-postgres $$b; done
 
 clean:
 	@rm -rf $(BUILD_DIR)

@@ -1,18 +1,164 @@
-// Database throughput on an SQLite file: the browse listing of Guia lines over a generated database
-// of 100,000 Guias (1,000 clients over two years) with ten lines each.
+// Saving and loading Guias on each store, beside the old way of one connection per object and one
+// transaction per statement; the browse listing over a generated database of 100,000 Guias with ten
+// lines each. The PostgreSQL runs need the server of scripts/with-postgres
+// (NIMBARA_TEST_PG), as `make bench` starts it; without one they say so and are skipped.
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
-#include <memory>
-#include <string>
+#include <iostream>
+#include <map>
 
-#include "nimbara/Database.hpp"
 #include "nimbara/Schema.hpp"
 #include "nimbara/cls_Guia.hpp"
+#include "nimbara/cls_Guia_Cabecalho.hpp"
+#include "support/sample_entities.hpp"
+
+using namespace nimbara;
 
 namespace {
+
+constexpr int kLines = 12, kServices = 2;
+
+// A fresh database with the schema and one client, removed at exit.
+class BenchDatabase {
+public:
+    explicit BenchDatabase(bool postgres)
+    {
+        const std::string unique = std::to_string(::getpid());
+        if (!postgres) {
+            file_ = std::filesystem::temp_directory_path() / ("nimbara-bench-" + unique + ".db");
+            conn_ = "sqlite:" + file_.string();
+        } else {
+            const char* server = std::getenv("NIMBARA_TEST_PG");
+            if (!server || !*server) return;
+            admin_ = std::string("postgresql:") + server;
+            name_ = "nimbara_bench_" + unique;
+            OpenDatabase(admin_)->execute("CREATE DATABASE " + name_);
+            conn_ = admin_ + " dbname=" + name_;
+        }
+        const auto db = OpenDatabase(conn_, OpenMode::Create);
+        CreateSchema(*db);
+        nimbara::testing::store_client(db, 1);
+    }
+    ~BenchDatabase()
+    {
+        std::error_code ec;
+        for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file_.string() + suffix, ec);
+        if (!name_.empty()) OpenDatabase(admin_)->execute("DROP DATABASE IF EXISTS " + name_ + " WITH (FORCE)");
+    }
+    bool available() const { return !conn_.empty(); }
+    const std::string& conn() const { return conn_; }
+
+private:
+    std::filesystem::path file_;
+    std::string conn_, admin_, name_;
+};
+
+BenchDatabase& store(bool postgres)
+{
+    static BenchDatabase sqlite(false), pg(true);
+    return postgres ? pg : sqlite;
+}
+
+bool ready(benchmark::State& state, bool postgres)
+{
+    if (store(postgres).available()) return true;
+    state.SkipWithError("NO POSTGRESQL SERVER: set NIMBARA_TEST_PG (run through scripts/with-postgres)");
+    return false;
+}
+
+void BM_SaveGuia(benchmark::State& state, bool postgres)
+{
+    if (!ready(state, postgres)) return;
+    const auto db = OpenDatabase(store(postgres).conn());
+    for (auto _ : state) {
+        auto g = nimbara::testing::new_guia(db, 1, kLines, kServices);
+        if (!g->DoSaveNumerada()) state.SkipWithError(g->LastError().c_str());
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+// Each object opens its own connection, the host numbers by SelectMax, and every statement is a
+// transaction of its own.
+void BM_SaveGuiaOldWay(benchmark::State& state, bool postgres)
+{
+    if (!ready(state, postgres)) return;
+    const std::string& conn = store(postgres).conn();
+    for (auto _ : state) {
+        cls_Guia_Cabecalho header(OpenDatabase(conn));
+        header.vNReq = header.SelectMax() + 1;
+        header.vNReq2 = header.SelectMax_PorCliente("1001") + 1;
+        header.vNIDReqAnual = header.SelectMax_NReqAnual_PorCliente("1001") + 1;
+        header.iId_Cliente = 1;
+        header.vCodCliente = "1001";
+        header.vCodContrato = "1";
+        header.DoSave();
+        const auto sample = nimbara::testing::new_guia(nullptr, 1, kLines, kServices, header.vNReq);
+        for (std::size_t i = 1; i <= sample->mColLinha.Count(); ++i) {
+            cls_Guia_Linha line(OpenDatabase(conn));
+            line.CopyObject(sample->mColLinha.Item(i));
+            line.mColSEspecial.Clear();
+            line.DoSave();
+            for (std::size_t s = 1; s <= sample->mColLinha.Item(i).mColSEspecial.Count(); ++s) {
+                cls_Guia_SEspecial service(OpenDatabase(conn));
+                const auto& from = sample->mColLinha.Item(i).mColSEspecial.Item(s);
+                service.vNReq = header.vNReq;
+                service.vNLinha = from.vNLinha;
+                service.vCodigoServicoEspecial = from.vCodigoServicoEspecial;
+                service.vValor = from.vValor;
+                service.DoSave();
+            }
+        }
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+// A stored Guia to load, saved once.
+std::int32_t stored_guia(bool postgres)
+{
+    static std::map<bool, std::int32_t> numbers;
+    auto& n = numbers[postgres];
+    if (n == 0) {
+        auto g = nimbara::testing::new_guia(OpenDatabase(store(postgres).conn()), 1, kLines, kServices);
+        g->DoSaveNumerada();
+        n = g->vNReq;
+    }
+    return n;
+}
+
+void BM_LoadGuia(benchmark::State& state, bool postgres)
+{
+    if (!ready(state, postgres)) return;
+    const auto db = OpenDatabase(store(postgres).conn());
+    const std::int32_t n = stored_guia(postgres);
+    for (auto _ : state) {
+        cls_Guia_Cabecalho g(db);
+        g.SelectMe(n);
+        benchmark::DoNotOptimize(g.mColLinha.Count());
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+// The header, every line and every service opens a connection of its own.
+void BM_LoadGuiaOldWay(benchmark::State& state, bool postgres)
+{
+    if (!ready(state, postgres)) return;
+    const std::string& conn = store(postgres).conn();
+    const std::int32_t n = stored_guia(postgres);
+    for (auto _ : state) {
+        cls_Guia_Cabecalho g(OpenDatabase(conn));
+        g.SelectMe(n);
+        for (std::size_t i = 1; i <= g.mColLinha.Count(); ++i) {
+            benchmark::DoNotOptimize(OpenDatabase(conn));
+            for (std::size_t s = 1; s <= g.mColLinha.Item(i).mColSEspecial.Count(); ++s)
+                benchmark::DoNotOptimize(OpenDatabase(conn));
+        }
+    }
+    state.SetItemsProcessed(state.iterations());
+}
 
 constexpr int kClients = 1000;
 constexpr int kGuias = 100000;
@@ -26,7 +172,7 @@ public:
         static ListingDatabase instance;
         return instance;
     }
-    const std::shared_ptr<nimbara::Database>& db() const { return db_; }
+    const std::shared_ptr<Database>& db() const { return db_; }
     ~ListingDatabase()
     {
         db_.reset();
@@ -39,10 +185,10 @@ private:
         : folder_(std::filesystem::temp_directory_path() / ("nimbara-bench-db-" + std::to_string(::getpid())))
     {
         std::filesystem::create_directories(folder_);
-        db_ = nimbara::OpenDatabase("sqlite:" + (folder_ / "listing.db").string(), nimbara::OpenMode::Create);
-        nimbara::CreateSchema(*db_);
+        db_ = OpenDatabase("sqlite:" + (folder_ / "listing.db").string(), OpenMode::Create);
+        CreateSchema(*db_);
         // Generated by the store itself, in one transaction: a row at a time would take minutes.
-        nimbara::Transaction t(*db_);
+        Transaction t(*db_);
         const std::string numbers = "WITH RECURSIVE seq(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM seq WHERE n < ?) ";
         db_->execute(numbers +
                          "INSERT INTO Tbl_Cliente (Id_Cliente, Cod_Cliente, Nome) "
@@ -69,7 +215,7 @@ private:
     }
 
     std::filesystem::path folder_;
-    std::shared_ptr<nimbara::Database> db_;
+    std::shared_ptr<Database> db_;
 };
 
 double peak_rss_mb()
@@ -82,7 +228,7 @@ double peak_rss_mb()
 void BM_ListGuias(benchmark::State& state, const std::string& year, const std::string& month,
                   const std::string& client)
 {
-    nimbara::cls_Guia guia(ListingDatabase::get().db());
+    cls_Guia guia(ListingDatabase::get().db());
     std::int64_t rows = 0;
     for (auto _ : state) {
         auto rs = guia.getRSGuia(year, month, client, "");
@@ -97,11 +243,62 @@ void BM_ListGuias(benchmark::State& state, const std::string& year, const std::s
     state.counters["peak_rss_MB"] = peak_rss_mb();
 }
 
-// One client and one month: about forty lines, found through the indexes.
-BENCHMARK_CAPTURE(BM_ListGuias, client_month, "2024", "3", "1500")->Unit(benchmark::kMillisecond);
-// Every line, in the default order of client and Guia: a million rows read into the result.
-BENCHMARK_CAPTURE(BM_ListGuias, all, "", "0", "0")->Unit(benchmark::kMillisecond)->Iterations(3);
+// Prints the usual table, then each store's rates and the ratio against the old way.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const auto& run : runs) {
+            const auto it = run.counters.find("items_per_second");
+            std::string name = run.benchmark_name();
+            if (const auto suffix = name.find("/real_time"); suffix != std::string::npos) name.erase(suffix);
+            if (it != run.counters.end()) rates_[name] = it->second.value;
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+    void Finalize() override
+    {
+        ConsoleReporter::Finalize();
+        for (const char* store : {"SQLite", "PostgreSQL"})
+            for (const char* what : {"SaveGuia", "LoadGuia"}) {
+                const auto now = rates_.find(std::string("BM_") + what + "/" + store);
+                const auto old = rates_.find(std::string("BM_") + what + "OldWay/" + store);
+                if (now == rates_.end() || old == rates_.end() || old->second <= 0) continue;
+                std::cout << what << " on " << store << ": " << static_cast<long long>(now->second)
+                          << " Guias/s, the old way " << static_cast<long long>(old->second) << " Guias/s, ratio "
+                          << now->second / old->second << "x\n";
+            }
+    }
+
+private:
+    std::map<std::string, double> rates_;
+};
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    for (const bool postgres : {false, true}) {
+        const std::string store = postgres ? "/PostgreSQL" : "/SQLite";
+        // Wall time: the server's work and the waits for the disk count, not only this process's.
+        benchmark::RegisterBenchmark(("BM_SaveGuia" + store).c_str(), BM_SaveGuia, postgres)->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_SaveGuiaOldWay" + store).c_str(), BM_SaveGuiaOldWay, postgres)->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_LoadGuia" + store).c_str(), BM_LoadGuia, postgres)->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_LoadGuiaOldWay" + store).c_str(), BM_LoadGuiaOldWay, postgres)->UseRealTime();
+    }
+    // One client and one month: about forty lines, found through the indexes; then every line, in
+    // the default order of client and Guia: a million rows read into the result.
+    benchmark::RegisterBenchmark("BM_ListGuias/client_month", BM_ListGuias, "2024", "3", "1500")
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+    benchmark::RegisterBenchmark("BM_ListGuias/all", BM_ListGuias, "", "0", "0")
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(3);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}

@@ -98,7 +98,8 @@ public:
 
 private:
     friend class cls_Guia_Cabecalho;
-    void save();
+    // `fresh_number`: no stored row can have this line's number, so the insert replaces nothing.
+    void save(bool fresh_number = false);
     void remove();
     std::string last_error_;
 };
@@ -175,7 +176,8 @@ public:
 private:
     void insert(bool with_third_party = false);
     void update();
-    void save_lines();
+    // `fresh_number`: the Guia's number was just taken, so no stored line can be in the way.
+    void save_lines(bool fresh_number = false);
     std::int32_t max_of(const std::string& sql, std::initializer_list<FieldValue> values);
     std::string last_error_;
 };

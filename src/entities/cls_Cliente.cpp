@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "entities/connection.hpp"
 #include "nimbara/cls_Cliente.hpp"
 #include "nimbara/mdl_Biz.hpp"

@@ -1,3 +1,6 @@
+#include <map>
+#include <vector>
+
 #include "entities/connection.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
@@ -43,12 +46,12 @@ void cls_Guia_Cabecalho::update()
          vNCredencial, vRecolhido, vFicheiro, vObservacoes, vNCompromisso, vNReq});
 }
 
-void cls_Guia_Cabecalho::save_lines()
+void cls_Guia_Cabecalho::save_lines(bool fresh_number)
 {
     for (std::size_t i = 1; i <= mColLinha.Count(); ++i) {
         cls_Guia_Linha& line = mColLinha.Item(i);
         if (!line.vToDelete) {
-            line.save();
+            line.save(fresh_number);
             continue;
         }
         for (std::size_t s = 1; s <= line.mColSEspecial.Count(); ++s) line.mColSEspecial.Item(s).remove();
@@ -74,17 +77,24 @@ bool cls_Guia_Cabecalho::DoSaveNumerada()
         Database& db = require(myConn);
         Transaction t(db, TransactionMode::Numbering);
         const Timestamp year_start{vDReq.year, 1, 1}, next_year{vDReq.year + 1, 1, 1};
-        vNReq = max_of("SELECT MAX(N_Req) FROM Tbl_Cab", {}) + 1;
-        vNReq2 = max_of("SELECT MAX(N_Req2) FROM Tbl_Cab WHERE Id_Cliente = ?", {iId_Cliente}) + 1;
-        vNIDReqAnual = max_of("SELECT MAX(Id_Req_Anual) FROM Tbl_Cab WHERE Id_Cliente = ? AND D_Req >= ? AND D_Req < ?",
-                              {iId_Cliente, year_start, next_year}) + 1;
+        const Recordset highest = db.open(
+            "SELECT (SELECT MAX(N_Req) FROM Tbl_Cab) AS N_Req, "
+            "(SELECT MAX(N_Req2) FROM Tbl_Cab WHERE Id_Cliente = ?) AS N_Req2, "
+            "(SELECT MAX(Id_Req_Anual) FROM Tbl_Cab WHERE Id_Cliente = ? AND D_Req >= ? AND D_Req < ?) AS Anual",
+            {iId_Cliente, iId_Cliente, year_start, next_year});
+        const auto next = [&](const char* name) {
+            return highest[name].is_null() ? 1 : static_cast<std::int32_t>(highest[name].integer()) + 1;
+        };
+        vNReq = next("N_Req");
+        vNReq2 = next("N_Req2");
+        vNIDReqAnual = next("Anual");
         for (std::size_t i = 1; i <= mColLinha.Count(); ++i) {
             cls_Guia_Linha& line = mColLinha.Item(i);
             line.vNReq = vNReq;
             for (std::size_t s = 1; s <= line.mColSEspecial.Count(); ++s) line.mColSEspecial.Item(s).vNReq = vNReq;
         }
         insert(true);
-        save_lines();
+        save_lines(true);
         t.commit();
     });
     if (!saved) {
@@ -238,16 +248,28 @@ void cls_Guia_Cabecalho::FillColLinha()
     cls_Guia_Linha reader(myConn);
     Recordset rs;
     reader.SelectAll(rs, vNReq);
+    // The services of every line in one query, rather than one query a line; each line gets what
+    // its own FillColSEspecial would have read.
+    std::map<std::int64_t, std::vector<std::pair<std::string, float>>> services;
+    Recordset all = require(myConn).open(
+        "SELECT N_Linha, CodigoServicoEspecial, Valor FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ? "
+        "ORDER BY N_Linha, CodigoServicoEspecial",
+        {vNReq});
+    for (; !all.IsEOF(); all.MoveNext())
+        services[all["N_Linha"].integer()].emplace_back(all["CodigoServicoEspecial"].text(),
+                                                        static_cast<float>(all["Valor"].number()));
     for (; !rs.IsEOF(); rs.MoveNext()) {
         const auto small = [&](const char* name) { return static_cast<std::int16_t>(rs[name].integer()); };
         std::string divisao = rs["O_Divisao_Remetente"].text();
-        AddLinha(small("N_Linha"), rs["A_Zona_Taxacao"].text(), rs["B_Produto"].text(),
-                 static_cast<std::int32_t>(rs["C_Escalao"].integer()),
-                 static_cast<std::int32_t>(rs["D_Quantidade"].integer()), rs["E_Velocidade"].text(),
-                 rs["F_Formato"].text(), rs["G_Pre_Tratamento"].text(), rs["H_Descontos"].text(),
-                 rs["K_Entrega_Sampling"].text(), small("L_TaxEsp_Semana"), small("M_TaxEsp_Quantidade"),
-                 rs["N_Ambito_Distrib"].text(), divisao, rs["CodigoCampanha"].text(), rs["Q_Conteudo"].text(),
-                 rs["P_RefCliente"].text(), false);
+        cls_Guia_Linha& line = AddLinha(
+            small("N_Linha"), rs["A_Zona_Taxacao"].text(), rs["B_Produto"].text(),
+            static_cast<std::int32_t>(rs["C_Escalao"].integer()), static_cast<std::int32_t>(rs["D_Quantidade"].integer()),
+            rs["E_Velocidade"].text(), rs["F_Formato"].text(), rs["G_Pre_Tratamento"].text(), rs["H_Descontos"].text(),
+            rs["K_Entrega_Sampling"].text(), small("L_TaxEsp_Semana"), small("M_TaxEsp_Quantidade"),
+            rs["N_Ambito_Distrib"].text(), divisao, rs["CodigoCampanha"].text(), rs["Q_Conteudo"].text(),
+            rs["P_RefCliente"].text(), true);
+        line.vIsNew = false;
+        for (const auto& [code, valor] : services[line.vNLinha]) line.AddSEspecial(code, valor, false);
     }
     rs.Close();
 }

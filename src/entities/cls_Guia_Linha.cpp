@@ -39,7 +39,7 @@ std::string cls_Guia_Linha::ContentCode() const
     return std::to_string(code);
 }
 
-void cls_Guia_Linha::save()
+void cls_Guia_Linha::save(bool fresh_number)
 {
     Database& db = require(myConn);
     const std::vector<FieldValue> values = {
@@ -49,7 +49,7 @@ void cls_Guia_Linha::save()
         vRefCli};
     if (vIsNew) {
         // An insert replaces a stored row of the same number; that row's services stay.
-        db.execute("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});
+        if (!fresh_number) db.execute("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});
         std::vector<FieldValue> row = {vNReq, vNLinha};
         row.insert(row.end(), values.begin(), values.end());
         db.execute(std::string("INSERT INTO Tbl_Linha (N_Req, N_Linha, ") + kLineColumns +

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <cctype>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -19,6 +20,27 @@ struct Finalize {
     void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
 };
 using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+// Statements prepared once are kept for their next use; this many at most, which the component's
+// few dozen statement texts never reach unless a host builds many of its own.
+constexpr std::size_t kCachedStatements = 128;
+
+// A kept statement in use: reset when done, so that it holds no read snapshot or lock meanwhile.
+class InUse {
+public:
+    explicit InUse(sqlite3_stmt* s) : s_(s) {}
+    ~InUse()
+    {
+        sqlite3_reset(s_);
+        sqlite3_clear_bindings(s_);
+    }
+    InUse(const InUse&) = delete;
+    InUse& operator=(const InUse&) = delete;
+    sqlite3_stmt* get() const { return s_; }
+
+private:
+    sqlite3_stmt* s_;
+};
 
 // The kind of a column from its declared type; a column without one (an expression such as SUM or
 // MAX) takes the kind of the value stored.
@@ -48,7 +70,7 @@ public:
 
     std::int64_t execute(std::string_view sql, std::span<const FieldValue> values = {}) override
     {
-        const auto stmt = prepare(sql, values);
+        const InUse stmt(prepare(sql, values));
         while (step(stmt.get(), sql)) {
         }
         return sqlite3_changes64(db_.get());
@@ -56,7 +78,7 @@ public:
 
     Recordset open(std::string_view sql, std::span<const FieldValue> values = {}) override
     {
-        const auto stmt = prepare(sql, values);
+        const InUse stmt(prepare(sql, values));
         const int columns = sqlite3_column_count(stmt.get());
         std::vector<std::string> names;
         std::vector<Declared> kinds;
@@ -108,17 +130,28 @@ private:
         throw DatabaseError(std::string(sqlite3_errmsg(db_.get())) + " (in: " + std::string(sql) + ")");
     }
 
-    Statement prepare(std::string_view sql, std::span<const FieldValue> values)
+    sqlite3_stmt* prepare(std::string_view sql, std::span<const FieldValue> values)
     {
-        sqlite3_stmt* raw = nullptr;
-        if (sqlite3_prepare_v2(db_.get(), sql.data(), static_cast<int>(sql.size()), &raw, nullptr) != SQLITE_OK)
-            fail(sql);
-        Statement stmt(raw);
+        auto kept = cache_.find(sql);
+        if (kept == cache_.end()) {
+            sqlite3_stmt* raw = nullptr;
+            if (sqlite3_prepare_v2(db_.get(), sql.data(), static_cast<int>(sql.size()), &raw, nullptr) != SQLITE_OK)
+                fail(sql);
+            Statement stmt(raw);
+            if (cache_.size() >= kCachedStatements) cache_.clear();
+            kept = cache_.emplace(std::string(sql), std::move(stmt)).first;
+        }
+        sqlite3_stmt* raw = kept->second.get();
         if (sqlite3_bind_parameter_count(raw) != static_cast<int>(values.size()))
             throw DatabaseError("the statement takes " + std::to_string(sqlite3_bind_parameter_count(raw)) +
                                 " values, " + std::to_string(values.size()) + " given (in: " + std::string(sql) + ")");
-        for (std::size_t i = 0; i < values.size(); ++i) bind(raw, static_cast<int>(i) + 1, values[i], sql);
-        return stmt;
+        try {
+            for (std::size_t i = 0; i < values.size(); ++i) bind(raw, static_cast<int>(i) + 1, values[i], sql);
+        } catch (...) {
+            sqlite3_clear_bindings(raw);
+            throw;
+        }
+        return raw;
     }
 
     void bind(sqlite3_stmt* s, int at, const FieldValue& value, std::string_view sql) const
@@ -175,7 +208,8 @@ private:
         return FieldValue(text());
     }
 
-    std::unique_ptr<sqlite3, CloseDb> db_;
+    std::unique_ptr<sqlite3, CloseDb> db_;  // declared first: closed after the statements are finalized
+    std::map<std::string, Statement, std::less<>> cache_;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "guia_record.hpp"
 
 #include <charconv>
+#include <cstdio>
 #include <limits>
 #include <map>
 #include <set>
