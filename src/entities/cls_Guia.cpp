@@ -26,17 +26,25 @@ constexpr const char* kLineColumnsAfterDate =
     "Tbl_N_AmbitoDistribuicao.Codigo || ' - ' || Tbl_N_AmbitoDistribuicao.Designacao AS \"Ambito\", "
     "Tbl_Linha.D_Quantidade AS \"Quantidade\", Tbl_Linha.CodigoCampanha AS \"CodigoCampanha\" ";
 
-constexpr const char* kLineJoins =
-    "FROM Tbl_Cliente "
-    "INNER JOIN Tbl_Contrato ON Tbl_Contrato.Id_Cliente = Tbl_Cliente.Id_Cliente "
-    "INNER JOIN Tbl_Cab ON Tbl_Cab.Cod_Contrato = Tbl_Contrato.Cod_Contrato "
-    "AND Tbl_Cab.Id_Cliente = Tbl_Contrato.Id_Cliente "
-    "INNER JOIN Tbl_Linha ON Tbl_Linha.N_Req = Tbl_Cab.N_Req "
-    "INNER JOIN Tbl_A_ZonaTaxacao ON Tbl_A_ZonaTaxacao.Codigo = Tbl_Linha.A_Zona_Taxacao "
-    "INNER JOIN Tbl_B_Produto ON Tbl_B_Produto.Codigo = Tbl_Linha.B_Produto "
-    "INNER JOIN Tbl_E_Velocidade ON Tbl_E_Velocidade.Codigo = Tbl_Linha.E_Velocidade "
-    "INNER JOIN Tbl_F_Formato ON Tbl_F_Formato.Codigo = Tbl_Linha.F_Formato "
-    "INNER JOIN Tbl_N_AmbitoDistribuicao ON Tbl_N_AmbitoDistribuicao.Codigo = Tbl_Linha.N_Ambito_Distrib ";
+// Cross joins with their conditions in the WHERE clause mean inner joins on both stores, and make
+// SQLite keep this order of tables, which follows the indexes from client to line: left to choose,
+// on a database whose lines all share a few codes, it looped over every line for each client.
+constexpr const char* kLineTables =
+    "FROM Tbl_Cliente CROSS JOIN Tbl_Contrato CROSS JOIN Tbl_Cab CROSS JOIN Tbl_Linha "
+    "CROSS JOIN Tbl_A_ZonaTaxacao CROSS JOIN Tbl_B_Produto CROSS JOIN Tbl_E_Velocidade CROSS JOIN Tbl_F_Formato "
+    "CROSS JOIN Tbl_N_AmbitoDistribuicao";
+
+constexpr const char* kLineJoins[] = {
+    "Tbl_Contrato.Id_Cliente = Tbl_Cliente.Id_Cliente",
+    "Tbl_Cab.Cod_Contrato = Tbl_Contrato.Cod_Contrato",
+    "Tbl_Cab.Id_Cliente = Tbl_Contrato.Id_Cliente",
+    "Tbl_Linha.N_Req = Tbl_Cab.N_Req",
+    "Tbl_A_ZonaTaxacao.Codigo = Tbl_Linha.A_Zona_Taxacao",
+    "Tbl_B_Produto.Codigo = Tbl_Linha.B_Produto",
+    "Tbl_E_Velocidade.Codigo = Tbl_Linha.E_Velocidade",
+    "Tbl_F_Formato.Codigo = Tbl_Linha.F_Formato",
+    "Tbl_N_AmbitoDistribuicao.Codigo = Tbl_Linha.N_Ambito_Distrib",
+};
 
 // The amount is kept in cents as text; a comma goes before its last two digits, and an amount of
 // one digit is read as cents (the old expression failed on it).
@@ -204,7 +212,7 @@ std::optional<Recordset> cls_Guia::getRSGuia(const std::string& strAno, const st
 {
     auto rs = trapped(last_error_, [&]() -> std::optional<Recordset> {
         Database& db = entities::require(myConn);
-        std::vector<std::string> conditions;
+        std::vector<std::string> conditions(std::begin(kLineJoins), std::end(kLineJoins));
         std::vector<FieldValue> values;
         if (given(strCliente)) {
             conditions.emplace_back("Tbl_Cliente.Cod_Cliente = ?");
@@ -216,7 +224,7 @@ std::optional<Recordset> cls_Guia::getRSGuia(const std::string& strAno, const st
             given(strMes) ? std::optional(filter_number(strMes, "month")) : std::nullopt;
         date_filter(db, year, month, conditions, values);
         std::string sql = std::string("SELECT ") + kLineColumns + day_first(db, "Tbl_Cab.D_Req") + " AS \"Data\", " +
-                          kLineColumnsAfterDate + kLineJoins;
+                          kLineColumnsAfterDate + kLineTables;
         sql += where(conditions);
         // The lines of one Guia come in their order whatever order was asked for.
         if (strOrder.empty())
