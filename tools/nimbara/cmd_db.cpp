@@ -11,6 +11,8 @@ void register_db(CLI::App& app, int& status)
     register_db_refs(*db, status);
     register_db_params(*db, status);
     register_db_import(*db, status);
+    register_db_list(*db, status);
+    register_db_export(*db, status);
     register_db_guia(*db, status);
     register_db_client(*db, status);
 }

@@ -14,6 +14,8 @@ void register_db_init(CLI::App& db, int& status);
 void register_db_refs(CLI::App& db, int& status);
 void register_db_params(CLI::App& db, int& status);
 void register_db_import(CLI::App& db, int& status);
+void register_db_list(CLI::App& db, int& status);
+void register_db_export(CLI::App& db, int& status);
 void register_db_guia(CLI::App& db, int& status);
 void register_db_client(CLI::App& db, int& status);
 

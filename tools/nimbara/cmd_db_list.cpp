@@ -1,0 +1,99 @@
+// nimbara db list: the lines of the stored Guias under filters and an order, with a header line,
+// as tab-separated rows, CSV or JSON.
+#include <nlohmann/json.hpp>
+
+#include <iostream>
+#include <memory>
+#include <variant>
+
+#include "commands.hpp"
+#include "db_command.hpp"
+#include "guia_listing.hpp"
+
+namespace nimbara::cli {
+namespace {
+
+struct ListOptions : ListingOptions {
+    std::string format = "tsv";
+};
+
+// A tab-separated cell must not break its row: tabs and line breaks become blanks.
+std::string tsv_cell(const std::string& text)
+{
+    std::string t = text;
+    for (char& c : t)
+        if (c == '\t' || c == '\n' || c == '\r') c = ' ';
+    return t;
+}
+
+// Quoted when a spreadsheet would otherwise split or trim the cell, with its quotes doubled.
+std::string csv_cell(const std::string& text)
+{
+    if (text.find_first_of(",\"\r\n") == std::string::npos && (text.empty() || (text.front() != ' ' && text.back() != ' ')))
+        return text;
+    std::string out = "\"";
+    for (char c : text) {
+        if (c == '"') out += '"';
+        out += c;
+    }
+    return out + '"';
+}
+
+// Numbers and yes/no as JSON has them, Null as null, everything else (dates too) as its text.
+nlohmann::ordered_json json_value(const FieldValue& v)
+{
+    const auto& a = v.alternatives();
+    if (v.is_null()) return nullptr;
+    if (const auto* i = std::get_if<std::int64_t>(&a)) return *i;
+    if (const auto* d = std::get_if<double>(&a)) return *d;
+    if (const auto* b = std::get_if<bool>(&a)) return *b;
+    return v.text();
+}
+
+void write_row(std::ostream& out, const std::string& format, const std::vector<std::string>& cells)
+{
+    const bool csv = format == "csv";
+    for (std::size_t c = 0; c < cells.size(); ++c)
+        out << (c ? (csv ? "," : "\t") : "") << (csv ? csv_cell(cells[c]) : tsv_cell(cells[c]));
+    // Spreadsheets take a CSV record's end as CR LF.
+    out << (csv ? "\r\n" : "\n");
+}
+
+int list(const ListOptions& o)
+{
+    cls_Guia guia(open_command_database(o.conn));
+    Recordset rs = guia_lines(guia, o);
+    const auto& columns = listing_columns();
+    auto& out = std::cout;
+    if (o.format == "json") {
+        // One object a line, so that a long listing is written as it is read.
+        out << '[';
+        for (bool first = true; !rs.IsEOF(); rs.MoveNext(), first = false) {
+            nlohmann::ordered_json row;
+            for (const auto& c : columns) row[c] = json_value(rs[c]);
+            out << (first ? "\n" : ",\n") << row.dump();
+        }
+        out << "\n]\n";
+        return 0;
+    }
+    write_row(out, o.format, columns);
+    std::vector<std::string> cells(columns.size());
+    for (; !rs.IsEOF(); rs.MoveNext()) {
+        for (std::size_t c = 0; c < columns.size(); ++c) cells[c] = rs[columns[c]].text();
+        write_row(out, o.format, cells);
+    }
+    return 0;
+}
+
+}  // namespace
+
+void register_db_list(CLI::App& db, int& status)
+{
+    auto* cmd = db.add_subcommand("list", "Print the lines of the stored Guias, one a row with a header line");
+    auto o = std::make_shared<ListOptions>();
+    add_listing_options(*cmd, *o);
+    cmd->add_option("--format", o->format, "tsv (default), csv or json")->check(CLI::IsMember({"tsv", "csv", "json"}));
+    cmd->callback([o, &status] { status = run_db_command("list", std::cerr, [&] { return list(*o); }); });
+}
+
+}  // namespace nimbara::cli
