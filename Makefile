@@ -36,7 +36,7 @@ sanitize: deps
 	@cmake -S . -B $(SANITIZE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
 	  -DNIMBARA_SANITIZE=ON >/dev/null
 	@cmake --build $(SANITIZE_DIR) -j $(JOBS) --target nimbara_tests
-	@cd $(SANITIZE_DIR) && ctest --output-on-failure -j $(JOBS)
+	@cd $(SANITIZE_DIR) && $(CURDIR)/scripts/with-postgres ctest --output-on-failure -j $(JOBS)
 
 # Each harness runs FUZZ_SECONDS over its seeds from fuzz/corpus and what earlier runs kept in
 # $(FUZZ_DIR)/corpus; a crash leaves its input in $(FUZZ_DIR) and stops.
