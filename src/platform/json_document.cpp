@@ -130,7 +130,7 @@ private:
         } else if (stack_.back().kind == JsonValue::Kind::Array) {
             stack_.back().items.push_back(std::move(v));
         } else {
-            stack_.back().members.emplace_back(std::move(pending_key_), std::move(v));
+            stack_.back().members.push_back(JsonMember{std::move(pending_key_), std::move(v)});
         }
         return true;
     }

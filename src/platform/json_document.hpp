@@ -10,16 +10,23 @@
 
 namespace nimbara::platform {
 
+struct JsonMember;
+
 struct JsonValue {
     enum class Kind { Null, Boolean, Number, Text, Array, Object };
     Kind kind = Kind::Null;
     bool boolean = false;
     std::string text;  // a string's value, or a number as it was written
     std::vector<JsonValue> items;
-    std::vector<std::pair<std::string, JsonValue>> members;  // in file order
+    std::vector<JsonMember> members;  // in file order
 
     // "null", "a boolean", "a number", "text", "an array", "an object"
     std::string_view kind_name() const;
+};
+
+struct JsonMember {
+    std::string key;
+    JsonValue value;
 };
 
 struct JsonError : std::runtime_error {
