@@ -14,6 +14,9 @@ template <class... F>
 struct Overloaded : F... {
     using F::operator()...;
 };
+// Spelled out for compilers that do not yet deduce an aggregate's arguments by themselves.
+template <class... F>
+Overloaded(F...) -> Overloaded<F...>;
 
 [[noreturn]] void mismatch() { throw std::invalid_argument("Type mismatch"); }
 

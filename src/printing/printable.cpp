@@ -72,7 +72,7 @@ std::vector<PrintProblem> printing_problems(const GuiaArrays& arrays)
         const char* name;
         bool whole;
     };
-    for (const auto& [member, name, whole] : {Setting{&cls_ParametroA::vGuiaMargensTopo, "vGuiaMargensTopo", false},
+    for (const Setting& setting : {Setting{&cls_ParametroA::vGuiaMargensTopo, "vGuiaMargensTopo", false},
                                               Setting{&cls_ParametroA::vGuiaMargensEsquerda, "vGuiaMargensEsquerda", false},
                                               Setting{&cls_ParametroA::VCod2DFonteSize, "VCod2DFonteSize", false},
                                               Setting{&cls_ParametroA::vCod2DRatio, "vCod2DRatio", false},
@@ -80,8 +80,9 @@ std::vector<PrintProblem> printing_problems(const GuiaArrays& arrays)
                                               Setting{&cls_ParametroA::vCod2DNColunas, "vCod2DNColunas", true},
                                               Setting{&cls_ParametroA::vCod2DNLinhas, "vCod2DNLinhas", true},
                                               Setting{&cls_ParametroA::vCod2DPDFMode, "vCod2DPDFMode", true}}) {
-        const std::string& value = par.*member;
-        c.converts("/parametros/" + std::string(name), value, whole ? "a whole number" : "a number", [&] {
+        const std::string& value = par.*(setting.member);
+        const bool whole = setting.whole;
+        c.converts("/parametros/" + std::string(setting.name), value, whole ? "a whole number" : "a number", [&] {
             if (whole) text::require_int32(value);
             else text::require_number(value);
         });
