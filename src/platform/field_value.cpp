@@ -5,6 +5,7 @@
 #include <ctime>
 #include <stdexcept>
 
+#include "foundation/run_time_errors.hpp"
 #include "nimbara/Recordset.hpp"
 
 namespace nimbara {
@@ -18,7 +19,7 @@ struct Overloaded : F... {
 template <class... F>
 Overloaded(F...) -> Overloaded<F...>;
 
-[[noreturn]] void mismatch() { throw std::invalid_argument("Type mismatch"); }
+[[noreturn]] void mismatch() { raise(RunTimeError::TypeMismatch); }
 
 // Reads a number the way both stores print one; surrounding blanks are allowed, nothing else.
 double parse_number(std::string_view s)
@@ -127,7 +128,7 @@ std::int64_t FieldValue::integer() const
 {
     if (const auto* i = std::get_if<std::int64_t>(&v_)) return *i;
     const double d = number();
-    if (!std::isfinite(d) || std::fabs(d) > 9.2e18) throw std::overflow_error("Overflow");
+    if (!std::isfinite(d) || std::fabs(d) > 9.2e18) raise(RunTimeError::Overflow);
     return static_cast<std::int64_t>(std::llround(d));
 }
 
