@@ -6,6 +6,7 @@
 // Statements mark their values with "?" and never carry a value in their text. Table and column
 // names are never quoted, so both stores compare them without regard to case.
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -19,6 +20,13 @@
 
 namespace nimbara {
 
+// Where a streamed query hands its result: the column names once, then each row as it is read.
+// The row's values may be moved from; they are overwritten by the next row.
+struct RowSink {
+    std::function<void(std::span<const std::string> names)> columns;
+    std::function<void(std::span<FieldValue> values)> row;
+};
+
 // A store's failure, with the store's own message.
 class NIMBARA_API DatabaseError : public std::runtime_error {
 public:
@@ -29,7 +37,9 @@ enum class StoreKind { SQLite, PostgreSQL };
 
 // How a transaction begins. `Numbering` serialises the writers that take new numbers, so that two
 // stations never read the same maximum: the whole file on SQLite, one advisory lock on PostgreSQL.
-enum class TransactionMode { Ordinary, Numbering };
+// `Reading` reads several queries from one state of the database, without blocking writers (a
+// Guia is never read with half of another station's save); nothing may be written in it.
+enum class TransactionMode { Ordinary, Numbering, Reading };
 
 class NIMBARA_API Database {
 public:
@@ -46,12 +56,27 @@ public:
         return execute(sql, std::span<const FieldValue>(values.begin(), values.size()));
     }
 
+    // Runs a statement whose count of changed rows the caller does not need. Inside a transaction, a
+    // store on a server may send it together with the statements that follow, so that a save of many
+    // rows waits for the server once rather than once a row; its failure then shows at the next
+    // statement, query or commit on this connection, and the transaction rolls back as a whole.
+    virtual void execute_queued(std::string_view sql, std::span<const FieldValue> values) { execute(sql, values); }
+    void execute_queued(std::string_view sql, std::initializer_list<FieldValue> values)
+    {
+        execute_queued(sql, std::span<const FieldValue>(values.begin(), values.size()));
+    }
+
     // Runs a query and reads its whole result.
     virtual Recordset open(std::string_view sql, std::span<const FieldValue> values = {}) = 0;
     Recordset open(std::string_view sql, std::initializer_list<FieldValue> values)
     {
         return open(sql, std::span<const FieldValue>(values.begin(), values.size()));
     }
+
+    // Runs a query and hands its rows over one at a time, so that a result too long to hold (a whole
+    // listing) is never held. The sink must not run statements on this database meanwhile: the
+    // store is still reading.
+    virtual void stream(std::string_view sql, std::span<const FieldValue> values, const RowSink& sink) = 0;
 
     // Whether a table or view of that name exists, without regard to case.
     virtual bool has_table(std::string_view name) = 0;

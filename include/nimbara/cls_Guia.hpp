@@ -47,6 +47,12 @@ public:
     std::optional<Recordset> getRSGuia(const std::string& strAno, const std::string& strMes,
                                        const std::string& strCliente, const std::string& strOrder,
                                        std::int16_t* erro = nullptr);
+    // getRSGuia's rows handed to `sink` one at a time as the store reads them, so that a listing of
+    // any length is never held whole; with no match, the columns and no row (not the empty form).
+    // The sink must not query this database meanwhile. Answers false where getRSGuia answers
+    // nothing, LastError() saying why.
+    bool StreamGuiaLines(const std::string& strAno, const std::string& strMes, const std::string& strCliente,
+                         const std::string& strOrder, const RowSink& sink);
     // One row (Req1 "0", Req2 "1", the rest empty) while any line exists; no row otherwise.
     std::optional<Recordset> getRSGuiaEmpty();
 

@@ -206,33 +206,50 @@ std::string cls_Guia::getRSServEspExport(std::int32_t lngNReq, std::int32_t lngN
     });
 }
 
+namespace {
+
+struct Query {
+    std::string sql;
+    std::vector<FieldValue> values;
+};
+
+// The listing's statement under the filters and the order; throws naming a refused word or filter.
+Query guia_lines_query(const Database& db, const std::string& strAno, const std::string& strMes,
+                       const std::string& strCliente, const std::string& strOrder)
+{
+    std::vector<std::string> conditions(std::begin(kLineJoins), std::end(kLineJoins));
+    Query q;
+    if (given(strCliente)) {
+        conditions.emplace_back("Tbl_Cliente.Cod_Cliente = ?");
+        q.values.emplace_back(filter_number(strCliente, "client number"));
+    }
+    const std::optional<std::int32_t> year =
+        strAno.empty() ? std::nullopt : std::optional(filter_number(strAno, "year"));
+    const std::optional<std::int32_t> month =
+        given(strMes) ? std::optional(filter_number(strMes, "month")) : std::nullopt;
+    date_filter(db, year, month, conditions, q.values);
+    q.sql = std::string("SELECT ") + kLineColumns + day_first(db, "Tbl_Cab.D_Req") + " AS \"Data\", " +
+            kLineColumnsAfterDate + kLineTables;
+    q.sql += where(conditions);
+    // The lines of one Guia come in their order whatever order was asked for.
+    if (strOrder.empty())
+        q.sql += " ORDER BY Tbl_Cliente.Cod_Cliente ASC, Tbl_Cab.N_req2 ASC";
+    else
+        q.sql += " ORDER BY " + entities::listing_order_columns(strOrder) + ", Tbl_Cliente.Cod_Cliente ASC";
+    q.sql += ", Tbl_Linha.N_Req, Tbl_Linha.N_Linha";
+    return q;
+}
+
+}  // namespace
+
 std::optional<Recordset> cls_Guia::getRSGuia(const std::string& strAno, const std::string& strMes,
                                              const std::string& strCliente, const std::string& strOrder,
                                              std::int16_t* erro)
 {
     auto rs = trapped(last_error_, [&]() -> std::optional<Recordset> {
         Database& db = entities::require(myConn);
-        std::vector<std::string> conditions(std::begin(kLineJoins), std::end(kLineJoins));
-        std::vector<FieldValue> values;
-        if (given(strCliente)) {
-            conditions.emplace_back("Tbl_Cliente.Cod_Cliente = ?");
-            values.emplace_back(filter_number(strCliente, "client number"));
-        }
-        const std::optional<std::int32_t> year =
-            strAno.empty() ? std::nullopt : std::optional(filter_number(strAno, "year"));
-        const std::optional<std::int32_t> month =
-            given(strMes) ? std::optional(filter_number(strMes, "month")) : std::nullopt;
-        date_filter(db, year, month, conditions, values);
-        std::string sql = std::string("SELECT ") + kLineColumns + day_first(db, "Tbl_Cab.D_Req") + " AS \"Data\", " +
-                          kLineColumnsAfterDate + kLineTables;
-        sql += where(conditions);
-        // The lines of one Guia come in their order whatever order was asked for.
-        if (strOrder.empty())
-            sql += " ORDER BY Tbl_Cliente.Cod_Cliente ASC, Tbl_Cab.N_req2 ASC";
-        else
-            sql += " ORDER BY " + entities::listing_order_columns(strOrder) + ", Tbl_Cliente.Cod_Cliente ASC";
-        sql += ", Tbl_Linha.N_Req, Tbl_Linha.N_Linha";
-        return db.open(sql, values);
+        const Query q = guia_lines_query(db, strAno, strMes, strCliente, strOrder);
+        return db.open(q.sql, q.values);
     });
     if (!rs) {
         if (erro) *erro = 1;
@@ -240,6 +257,17 @@ std::optional<Recordset> cls_Guia::getRSGuia(const std::string& strAno, const st
     }
     if (rs->RecordCount() < 1) return getRSGuiaEmpty();
     return rs;
+}
+
+bool cls_Guia::StreamGuiaLines(const std::string& strAno, const std::string& strMes, const std::string& strCliente,
+                               const std::string& strOrder, const RowSink& sink)
+{
+    return trapped(last_error_, [&] {
+        Database& db = entities::require(myConn);
+        const Query q = guia_lines_query(db, strAno, strMes, strCliente, strOrder);
+        db.stream(q.sql, q.values, sink);
+        return true;
+    });
 }
 
 std::optional<Recordset> cls_Guia::getRSGuiaEmpty()

@@ -28,7 +28,7 @@ void cls_Guia_Cabecalho::insert(bool with_third_party)
                                       vPagamento, vCredenciado, vNCredencial, vRecolhido, vSituacao, vFicheiro,
                                       vObservacoes, vNReq2, vNIDReqAnual, vNCompromisso};
     if (with_third_party) values.emplace_back(vCodTerceiro);
-    require(myConn).execute(
+    require(myConn).execute_queued(
         "INSERT INTO Tbl_Cab (N_Req, Id_Cliente, Cod_Cliente, Cod_Contrato, D_Req, Pagamento, Credenciado, "
         "N_Credencial, Recolhido, Situacao, Ficheiro, Observacoes, N_Req2, Id_Req_Anual, nCompromisso" + third +
             ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?" + (with_third_party ? ", ?" : "") + ")",
@@ -38,7 +38,7 @@ void cls_Guia_Cabecalho::insert(bool with_third_party)
 void cls_Guia_Cabecalho::update()
 {
     // The running numbers are fixed at insert, and the state is never changed here.
-    require(myConn).execute(
+    require(myConn).execute_queued(
         "UPDATE Tbl_Cab SET Id_Cliente = ?, Cod_Cliente = ?, Cod_Contrato = ?, CodigoTerceiro = ?, D_Req = ?, "
         "Pagamento = ?, Credenciado = ?, N_Credencial = ?, Recolhido = ?, Ficheiro = ?, Observacoes = ?, "
         "nCompromisso = ? WHERE N_Req = ?",
@@ -116,9 +116,9 @@ void cls_Guia_Cabecalho::DoDelete()
     entities::keep_failure(last_error_, [&] {
         Database& db = require(myConn);
         Transaction t(db);
-        db.execute("DELETE FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ?", {vNReq});
-        db.execute("DELETE FROM Tbl_Linha WHERE N_Req = ?", {vNReq});
-        db.execute("DELETE FROM Tbl_Cab WHERE N_Req = ?", {vNReq});
+        db.execute_queued("DELETE FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ?", {vNReq});
+        db.execute_queued("DELETE FROM Tbl_Linha WHERE N_Req = ?", {vNReq});
+        db.execute_queued("DELETE FROM Tbl_Cab WHERE N_Req = ?", {vNReq});
         t.commit();
     });
 }
@@ -167,6 +167,8 @@ void cls_Guia_Cabecalho::SelectLista(Recordset& rs)
 
 void cls_Guia_Cabecalho::SelectMe(std::int32_t NReq)
 {
+    // The header, its lines and their services as one state: never half of another station's save.
+    Transaction reading(require(myConn), TransactionMode::Reading);
     const Recordset rs = require(myConn).open("SELECT * FROM Tbl_Cab WHERE N_Req = ?", {NReq});
     const auto number = [&](const char* name) {
         const FieldValue& v = rs[name];
@@ -198,6 +200,7 @@ void cls_Guia_Cabecalho::SelectMe(std::int32_t NReq)
     vFicheiro = read.vFicheiro, vObservacoes = read.vObservacoes, vNCompromisso = read.vNCompromisso;
     vIsNew = false;
     FillColLinha();
+    reading.commit();
 }
 
 cls_Guia_Linha& cls_Guia_Cabecalho::AddLinha(std::int16_t N_Linha, const std::string& A_Zona_Taxacao,

@@ -49,10 +49,10 @@ void cls_Guia_Linha::save(bool fresh_number)
         vRefCli};
     if (vIsNew) {
         // An insert replaces a stored row of the same number; that row's services stay.
-        if (!fresh_number) db.execute("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});
+        if (!fresh_number) db.execute_queued("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});
         std::vector<FieldValue> row = {vNReq, vNLinha};
         row.insert(row.end(), values.begin(), values.end());
-        db.execute(std::string("INSERT INTO Tbl_Linha (N_Req, N_Linha, ") + kLineColumns +
+        db.execute_queued(std::string("INSERT INTO Tbl_Linha (N_Req, N_Linha, ") + kLineColumns +
                        ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
                    row);
     } else {
@@ -65,7 +65,7 @@ void cls_Guia_Linha::save(bool fresh_number)
         }
         std::vector<FieldValue> row = values;
         row.insert(row.end(), {vNReq, vNLinha});
-        db.execute(sql + " WHERE N_Req = ? AND N_Linha = ?", row);
+        db.execute_queued(sql + " WHERE N_Req = ? AND N_Linha = ?", row);
     }
     for (std::size_t i = 1; i <= mColSEspecial.Count(); ++i) {
         cls_Guia_SEspecial& s = mColSEspecial.Item(i);
@@ -75,7 +75,7 @@ void cls_Guia_Linha::save(bool fresh_number)
 
 void cls_Guia_Linha::remove()
 {
-    require(myConn).execute("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});
+    require(myConn).execute_queued("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});
 }
 
 std::int16_t cls_Guia_Linha::DoSave()

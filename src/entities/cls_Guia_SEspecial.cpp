@@ -12,19 +12,19 @@ cls_Guia_SEspecial::cls_Guia_SEspecial(std::shared_ptr<Database> db) : myConn(st
 void cls_Guia_SEspecial::save()
 {
     if (vIsNew)
-        require(myConn).execute(
+        require(myConn).execute_queued(
             "INSERT INTO Tbl_Linha_ServicoEspecial (N_Req, N_Linha, CodigoServicoEspecial, Valor) VALUES (?, ?, ?, ?)",
             {vNReq, vNLinha, vCodigoServicoEspecial, vValor});
     else
         // A stored service whose row is gone changes nothing and raises nothing.
-        require(myConn).execute("UPDATE Tbl_Linha_ServicoEspecial SET Valor = ? "
+        require(myConn).execute_queued("UPDATE Tbl_Linha_ServicoEspecial SET Valor = ? "
                                 "WHERE N_Req = ? AND N_Linha = ? AND CodigoServicoEspecial = ?",
                                 {vValor, vNReq, vNLinha, vCodigoServicoEspecial});
 }
 
 void cls_Guia_SEspecial::remove()
 {
-    require(myConn).execute(
+    require(myConn).execute_queued(
         "DELETE FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ? AND N_Linha = ? AND CodigoServicoEspecial = ?",
         {vNReq, vNLinha, vCodigoServicoEspecial});
 }

@@ -2,9 +2,14 @@
 
 #include <libpq-fe.h>
 
+#include <deque>
 #include <memory>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
+
+#include "platform/sql_text.hpp"
 
 namespace nimbara::platform {
 namespace {
@@ -47,6 +52,12 @@ std::string numbered_marks(std::string_view sql)
     return out;
 }
 
+std::string trimmed(std::string message)
+{
+    while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
+    return message;
+}
+
 FieldValue read(const PGresult* r, int row, int col)
 {
     if (PQgetisnull(r, row, col)) return {};
@@ -71,11 +82,15 @@ FieldValue read(const PGresult* r, int row, int col)
     }
 }
 
+// How many statements wait in the queue at most before their answers are read.
+constexpr std::size_t kMostQueued = 256;
+
 class PostgresDatabase final : public Database {
 public:
     explicit PostgresDatabase(PGconn* c) : conn_(c) {}
 
     using Database::execute;
+    using Database::execute_queued;
     using Database::open;
 
     StoreKind kind() const override { return StoreKind::PostgreSQL; }
@@ -87,19 +102,66 @@ public:
         return *n ? std::stoll(n) : 0;
     }
 
+    void execute_queued(std::string_view sql, std::span<const FieldValue> values) override
+    {
+        if (!in_transaction() || changes_schema(sql)) {
+            execute(sql, values);
+            return;
+        }
+        if (!pipelined_) {
+            if (PQenterPipelineMode(conn_.get()) != 1)
+                throw DatabaseError("cannot queue statements: " + trimmed(PQerrorMessage(conn_.get())));
+            pipelined_ = true;
+        }
+        send(sql, values);
+        queued_.emplace_back(sql);
+        // The server's answers wait in its send buffer until they are read: read them now and then.
+        if (queued_.size() >= kMostQueued) flush();
+    }
+
     Recordset open(std::string_view sql, std::span<const FieldValue> values = {}) override
     {
         const auto r = run(sql, values);
         const int columns = PQnfields(r.get());
         const int count = PQntuples(r.get());
-        std::vector<std::string> names;
-        for (int c = 0; c < columns; ++c) names.emplace_back(PQfname(r.get(), c));
         std::vector<std::vector<FieldValue>> rows(count);
         for (int i = 0; i < count; ++i) {
             rows[i].reserve(columns);
             for (int c = 0; c < columns; ++c) rows[i].push_back(read(r.get(), i, c));
         }
-        return Recordset(std::move(names), std::move(rows));
+        return Recordset(names_of(r.get()), std::move(rows));
+    }
+
+    void stream(std::string_view sql, std::span<const FieldValue> values, const RowSink& sink) override
+    {
+        flush();
+        send(sql, values);
+        // One result a row; the first names the columns, and an empty result comes as the last alone.
+        PQsetSingleRowMode(conn_.get());
+        bool named = false;
+        std::vector<FieldValue> row;
+        std::optional<DatabaseError> failure;
+        while (Result r{PQgetResult(conn_.get())}) {
+            const auto status = PQresultStatus(r.get());
+            if (failure) continue;  // the rest of the results are read, so the connection is free again
+            if (status != PGRES_SINGLE_TUPLE && status != PGRES_TUPLES_OK) {
+                failure.emplace(error_of(r.get(), sql));
+                continue;
+            }
+            try {
+                if (!named) {
+                    sink.columns(names_of(r.get()));
+                    named = true;
+                }
+                if (status == PGRES_TUPLES_OK) continue;
+                row.resize(PQnfields(r.get()));
+                for (int c = 0; c < PQnfields(r.get()); ++c) row[c] = read(r.get(), 0, c);
+                sink.row(row);
+            } catch (const std::exception& e) {
+                failure.emplace(e.what());
+            }
+        }
+        if (failure) throw *failure;
     }
 
     bool has_table(std::string_view name) override
@@ -127,7 +189,7 @@ public:
 private:
     void begin(TransactionMode mode) override
     {
-        execute("BEGIN");
+        execute(mode == TransactionMode::Reading ? "BEGIN ISOLATION LEVEL REPEATABLE READ, READ ONLY" : "BEGIN");
         // One lock for every numbering transaction of the database, released at its end.
         if (mode == TransactionMode::Numbering) {
             try {
@@ -139,11 +201,60 @@ private:
         }
     }
     void commit() override { execute("COMMIT"); }
-    void rollback() noexcept override { PQclear(PQexec(conn_.get(), "ROLLBACK")); }
-
-    Result run(std::string_view sql, std::span<const FieldValue> values)
+    void rollback() noexcept override
     {
-        const std::string text = numbered_marks(sql);
+        try {
+            flush();
+        } catch (const DatabaseError&) {
+            // The failure of a queued statement is what is being rolled back.
+        }
+        PQclear(PQexec(conn_.get(), "ROLLBACK"));
+    }
+
+    // Marks the end of the queued statements and reads their answers; the first failure is thrown
+    // once every answer is read, so that the connection is ready for the rollback.
+    void flush()
+    {
+        if (!pipelined_) return;
+        std::deque<std::string> queued = std::move(queued_);
+        queued_.clear();
+        pipelined_ = false;
+        std::optional<DatabaseError> failure;
+        if (PQpipelineSync(conn_.get()) != 1) {
+            failure.emplace("cannot send the queued statements: " + trimmed(PQerrorMessage(conn_.get())));
+        } else {
+            // Each statement's answer ends with a null result; two in a row mean the connection is gone.
+            for (bool after_end = false;;) {
+                const Result r{PQgetResult(conn_.get())};
+                if (!r) {
+                    if (after_end) {
+                        failure.emplace("the connection to the PostgreSQL server was lost: " +
+                                        trimmed(PQerrorMessage(conn_.get())));
+                        break;
+                    }
+                    after_end = true;
+                    continue;
+                }
+                after_end = false;
+                const auto status = PQresultStatus(r.get());
+                if (status == PGRES_PIPELINE_SYNC) break;
+                const std::string sql = queued.empty() ? std::string() : std::move(queued.front());
+                if (!queued.empty()) queued.pop_front();
+                if (!failure && status == PGRES_FATAL_ERROR) failure.emplace(error_of(r.get(), sql));
+            }
+        }
+        PQexitPipelineMode(conn_.get());
+        // A statement prepared in an aborted queue may not exist on the server.
+        if (failure)
+            for (const auto& key : unconfirmed_) prepared_.erase(key);
+        unconfirmed_.clear();
+        if (failure) throw *failure;
+    }
+
+    // Sends a statement with its values, prepared on the server the first time its text and value
+    // types are seen, so that later runs skip the parsing and planning.
+    void send(std::string_view sql, std::span<const FieldValue> values)
+    {
         std::vector<std::string> texts(values.size());
         std::vector<const char*> pointers(values.size());
         std::vector<::Oid> types(values.size());
@@ -163,18 +274,74 @@ private:
                 pointers[i] = texts[i].c_str();
             }
         }
-        Result r(PQexecParams(conn_.get(), text.c_str(), static_cast<int>(values.size()),
-                              types.data(), pointers.data(), nullptr, nullptr, 0));
-        const auto status = r ? PQresultStatus(r.get()) : PGRES_FATAL_ERROR;
-        if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-            std::string message = r ? PQresultErrorMessage(r.get()) : PQerrorMessage(conn_.get());
-            while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
-            throw DatabaseError(message + " (in: " + std::string(sql) + ")");
+        const int n = static_cast<int>(values.size());
+        const int sent = changes_schema(sql)
+                             ? PQsendQueryParams(conn_.get(), numbered_marks(sql).c_str(), n, types.data(),
+                                                 pointers.data(), nullptr, nullptr, 0)
+                             : PQsendQueryPrepared(conn_.get(), prepared(sql, types).c_str(), n, pointers.data(),
+                                                   nullptr, nullptr, 0);
+        if (!sent) throw DatabaseError(trimmed(PQerrorMessage(conn_.get())) + " (in: " + std::string(sql) + ")");
+    }
+
+    // Runs a statement and answers its result.
+    Result run(std::string_view sql, std::span<const FieldValue> values)
+    {
+        flush();
+        send(sql, values);
+        Result last;
+        while (Result r{PQgetResult(conn_.get())}) last = std::move(r);
+        const auto status = last ? PQresultStatus(last.get()) : PGRES_FATAL_ERROR;
+        if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) throw error_of(last.get(), sql);
+        // A changed table may change what a kept statement answers: those are prepared again.
+        if (changes_schema(sql) && !prepared_.empty()) {
+            Result(PQexec(conn_.get(), "DEALLOCATE ALL"));
+            prepared_.clear();
         }
-        return r;
+        return last;
+    }
+
+    // The name of the server's statement for this text and these value types, prepared if new.
+    const std::string& prepared(std::string_view sql, const std::vector<::Oid>& types)
+    {
+        std::string key(sql);
+        for (const ::Oid t : types) key += ',' + std::to_string(t);
+        if (const auto kept = prepared_.find(key); kept != prepared_.end()) return kept->second;
+        std::string name = "nimbara_" + std::to_string(++prepared_count_);
+        const std::string text = numbered_marks(sql);
+        const int n = static_cast<int>(types.size());
+        if (pipelined_) {
+            // Prepared in the queue, ahead of its first run; its answer is read with the others.
+            if (!PQsendPrepare(conn_.get(), name.c_str(), text.c_str(), n, types.data()))
+                throw DatabaseError(trimmed(PQerrorMessage(conn_.get())) + " (in: " + std::string(sql) + ")");
+            queued_.emplace_back(sql);
+            unconfirmed_.push_back(key);
+        } else {
+            const Result r(PQprepare(conn_.get(), name.c_str(), text.c_str(), n, types.data()));
+            if (!r || PQresultStatus(r.get()) != PGRES_COMMAND_OK) throw error_of(r.get(), sql);
+        }
+        return prepared_.emplace(std::move(key), std::move(name)).first->second;
+    }
+
+    DatabaseError error_of(const PGresult* r, std::string_view sql) const
+    {
+        return DatabaseError(trimmed(r ? PQresultErrorMessage(r) : PQerrorMessage(conn_.get())) + " (in: " +
+                             std::string(sql) + ")");
+    }
+
+    static std::vector<std::string> names_of(const PGresult* r)
+    {
+        std::vector<std::string> names;
+        for (int c = 0; c < PQnfields(r); ++c) names.emplace_back(PQfname(r, c));
+        return names;
     }
 
     std::unique_ptr<PGconn, Finish> conn_;
+    std::unordered_map<std::string, std::string> prepared_;  // text and value types -> statement name
+    std::uint64_t prepared_count_ = 0;
+    // Statements sent in the queue whose answers are not read yet, in order, for naming a failure.
+    bool pipelined_ = false;
+    std::deque<std::string> queued_;
+    std::vector<std::string> unconfirmed_;  // keys of prepared_ made in the current queue
 };
 
 void ignore_notice(void*, const char*) {}
@@ -186,9 +353,7 @@ std::shared_ptr<Database> open_postgres(const std::string& conninfo)
     std::unique_ptr<PGconn, Finish> conn(PQconnectdb(conninfo.c_str()));
     if (!conn) throw DatabaseError("cannot reach the PostgreSQL server: out of memory");
     if (PQstatus(conn.get()) != CONNECTION_OK) {
-        std::string message = PQerrorMessage(conn.get());
-        while (!message.empty() && (message.back() == '\n' || message.back() == ' ')) message.pop_back();
-        throw DatabaseError("cannot reach the PostgreSQL server: " + message);
+        throw DatabaseError("cannot reach the PostgreSQL server: " + trimmed(PQerrorMessage(conn.get())));
     }
     PQsetNoticeProcessor(conn.get(), ignore_notice, nullptr);
     if (PQsetClientEncoding(conn.get(), "UTF8") != 0)

@@ -62,26 +62,36 @@ void write_row(std::ostream& out, const std::string& format, const std::vector<s
 int list(const ListOptions& o)
 {
     cls_Guia guia(open_command_database(o.conn));
-    Recordset rs = guia_lines(guia, o);
     const auto& columns = listing_columns();
+    const bool json = o.format == "json";
     auto& out = std::cout;
-    if (o.format == "json") {
-        // One object a line, so that a long listing is written as it is read.
-        out << '[';
-        for (bool first = true; !rs.IsEOF(); rs.MoveNext(), first = false) {
-            nlohmann::ordered_json row;
-            for (const auto& c : columns) row[c] = json_value(rs[c]);
-            out << (first ? "\n" : ",\n") << row.dump();
-        }
-        out << "\n]\n";
-        return 0;
-    }
-    write_row(out, o.format, columns);
+    std::vector<std::size_t> at(columns.size());  // each listed column's place in the store's row
     std::vector<std::string> cells(columns.size());
-    for (; !rs.IsEOF(); rs.MoveNext()) {
-        for (std::size_t c = 0; c < columns.size(); ++c) cells[c] = rs[columns[c]].text();
-        write_row(out, o.format, cells);
-    }
+    bool first = true;
+    // Each row is written as it is read, so that a listing of any length takes little memory; the
+    // header waits for the store to accept the query, so that a refused listing writes nothing.
+    stream_guia_lines(guia, o,
+                      {.columns =
+                           [&](std::span<const std::string> names) {
+                               at = listing_positions(names);
+                               if (json)
+                                   out << '[';
+                               else
+                                   write_row(out, o.format, columns);
+                           },
+                       .row = [&](std::span<FieldValue> values) {
+                           if (json) {
+                               nlohmann::ordered_json row;
+                               for (std::size_t c = 0; c < columns.size(); ++c)
+                                   row[columns[c]] = json_value(values[at[c]]);
+                               out << (first ? "\n" : ",\n") << row.dump();
+                           } else {
+                               for (std::size_t c = 0; c < columns.size(); ++c) cells[c] = values[at[c]].text();
+                               write_row(out, o.format, cells);
+                           }
+                           first = false;
+                       }});
+    if (json) out << "\n]\n";
     return 0;
 }
 

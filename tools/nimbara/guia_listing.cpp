@@ -1,5 +1,7 @@
 #include "guia_listing.hpp"
 
+#include <algorithm>
+
 #include "db_command.hpp"
 
 namespace nimbara::cli {
@@ -33,6 +35,22 @@ Recordset guia_lines(cls_Guia& guia, const ListingOptions& o)
     for (std::size_t c = 0; c < rs->FieldCount(); ++c)
         if (rs->FieldName(c) == "Guia") return std::move(*rs);
     return Recordset(listing_columns(), {});
+}
+
+void stream_guia_lines(cls_Guia& guia, const ListingOptions& o, const RowSink& sink)
+{
+    if (!guia.StreamGuiaLines(o.year, o.month, o.client, o.order, sink)) throw CommandError(guia.LastError());
+}
+
+std::vector<std::size_t> listing_positions(std::span<const std::string> names)
+{
+    std::vector<std::size_t> at;
+    for (const auto& column : listing_columns()) {
+        const auto found = std::find(names.begin(), names.end(), column);
+        if (found == names.end()) throw CommandError("the listing has no column " + column);
+        at.push_back(static_cast<std::size_t>(found - names.begin()));
+    }
+    return at;
 }
 
 }  // namespace nimbara::cli

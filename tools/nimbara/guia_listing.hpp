@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,13 @@ const std::vector<std::string>& listing_columns();
 // The lines under the filters; no rows when nothing matches. Throws CommandError with the reason
 // when the listing fails (a refused order word, a filter that is no number, the store's error).
 Recordset guia_lines(cls_Guia& guia, const ListingOptions& o);
+
+// The same lines handed to the sink as they are read; nothing matching hands no row. Throws
+// CommandError as guia_lines does.
+void stream_guia_lines(cls_Guia& guia, const ListingOptions& o, const RowSink& sink);
+
+// Where each of listing_columns() is among a result's column names; throws CommandError when one is
+// missing.
+std::vector<std::size_t> listing_positions(std::span<const std::string> names);
 
 }  // namespace nimbara::cli
