@@ -7,7 +7,6 @@
 
 #include "foundation/required_numbers.hpp"
 #include "foundation/run_time_errors.hpp"
-#include "nimbara/cls_ImpressaoA.hpp"
 #include "printing/barcode_payload.hpp"
 
 namespace nimbara::printing {

@@ -3,19 +3,18 @@
 // which page and at which row, where the pages turn, and each page's symbol. The page driver draws
 // the plan step by step; the page forecast is part of it, and keeps its old blind spot: it knows
 // nothing of a line moved off the last row, so the real pages may outrun it.
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "nimbara/cls_ImpressaoA.hpp"
 #include "printing/guia_source.hpp"
 
 namespace nimbara::printing {
 
-// The slots of a row of special services, 0 to 10 (0 stays unused).
-using ServiceSlots = std::array<std::string, 11>;
+using ServiceSlots = cls_ImpressaoA::ServiceSlots;
 
 // The steps of a page, each a call of the printer's routines, in the order they are drawn.
 namespace step {
