@@ -3,12 +3,8 @@
 // form, the header and footer, the print log. It is written once and told which edition it serves,
 // where the editions differ.
 #include <cstdint>
-#include <exception>
 #include <filesystem>
-#include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "nimbara/FormImpressao.hpp"
@@ -23,17 +19,15 @@ enum class Edition {
     Database,  // cls_Impressao, fed from the database
 };
 
+namespace printing {
+class Page;
+}
+
 // One millimetre of the page in twips, formed as the program always formed it.
 inline constexpr double kTwipsPerMm = 567.0 / 10.0;
 
 class NIMBARA_API ImpressaoComum {
 public:
-    // A slice of the remarks: its first character (from 1) and its length.
-    struct Slice {
-        std::ptrdiff_t start;
-        std::size_t count;
-    };
-
     // The special-service section of the current line's barcode item, and how many services it holds.
     std::string Str_CodBarrasServEsp;
     std::int32_t Total_Se_CodBarras = 0;
@@ -96,48 +90,14 @@ protected:
     ImpressaoComum(const ImpressaoComum&) = default;
     ImpressaoComum& operator=(const ImpressaoComum&) = default;
 
-    double twipsX(double mm) const { return (mm + LeftX) * kTwipsPerMm; }
-    double twipsY(double mm) const { return (mm + TopY) * kTwipsPerMm; }
-    // The logo at (1, 1) millimetres from the page offsets.
-    void paintLogo(PageSurface& s, const FormImpressao& imagens) const;
-    // Prints the text with its top-left at (x, y) millimetres from the page offsets.
-    void printAt(PageSurface& s, double x, double y, std::string_view text) const;
-    // Sets the font's name and size, and its boldness when given.
-    static void setFont(PageSurface& s, std::string_view name, double size, std::optional<bool> bold = std::nullopt);
-    // printaCaixa at (x, y) millimetres from the page offsets.
-    void frame(PageSurface& s, double x, double y, double w, double h, double e);
-    // The five lines of the remarks frame: the first at (6.5, 157.5), each later one a font line lower.
-    void printRemarks(PageSurface& s, std::string_view remarks, std::span<const Slice, 5> slices) const;
-    // The page numbers and, on the last page, the total's caption and comb; NCompromisso only in
-    // the array edition.
-    void printPageNumbers(PageSurface& s, const std::string& NDoc, std::int32_t pag, std::int32_t TotPaginas,
-                          const std::string* NCompromisso);
+private:
+    // The library's page helpers read the offsets and the edition.
+    friend class printing::Page;
 
-    // Turns line breaks into blanks up to the next multiple of iChars characters, so that fixed
-    // slices of iChars fall on the text's own lines.
-    static std::string MyReplaceSpace(std::string_view sString, std::int16_t iChars);
-
-    // Runs a printing routine's body; a failure ends it, and is logged as "<routine>-Erro:" and the
-    // description, and the routine returns normally, so that a page with faults still comes out.
-    template <class Body>
-    void guarded(std::string_view routine, Body&& body)
-    {
-        try {
-            body();
-        } catch (const std::exception& e) {
-            WriteLog(std::string(routine) + "-Erro:" + e.what());
-        }
-    }
-
+    Edition edition_;
     // Offsets of the page in millimetres, the page driver's to set.
     double LeftX = 0;
     double TopY = 0;
-
-private:
-    void drawTopRightCombs(PageSurface& s);
-    void drawRowCombs(PageSurface& s, double y);
-
-    Edition edition_;
     std::filesystem::path log_path_;
     Notifier* notifier_ = nullptr;
     std::vector<std::string> log_entries_;

@@ -3,16 +3,13 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/guia_arrays.hpp"
 #include "nimbara/export.hpp"
 
 namespace nimbara {
-
-namespace printing {
-class PageDriver;
-}
 
 class NIMBARA_API cls_ImpressaoA : public ImpressaoComum {
 public:
@@ -29,7 +26,9 @@ public:
     // Prints the remarks again over the frame, with slices of its own.
     void ReimprimirObservacoes(PageSurface& impressora2, const std::string& sObservacoes);
 
-    using ImpressaoComum::MyReplaceSpace;
+    // Turns line breaks into blanks up to the next multiple of iChars characters, so that fixed
+    // slices of iChars fall on the text's own lines.
+    static std::string MyReplaceSpace(std::string_view sString, std::int16_t iChars);
 
     // ---- Detail lines ---------------------------------------------------------------------------
 
@@ -79,10 +78,6 @@ public:
 
     // Overprints the product line just printed on the twelfth row with blanks. Answers the empty text.
     std::string Apaga_RegsUltima_linha(PageSurface& impressora);
-
-private:
-    // The page driver's working state and steps live with it, in the library.
-    friend class printing::PageDriver;
 };
 
 }  // namespace nimbara

@@ -6,6 +6,7 @@
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
+#include "printing/page.hpp"
 
 namespace nimbara {
 namespace {
@@ -42,22 +43,23 @@ std::string cls_ImpressaoA::PrintaParteDetail(
     const std::string& CampoL, const std::string& CampoM, const std::string& CampoN, const std::string& CampoO,
     const std::string& CampoP, std::int32_t var_cont)
 {
-    guarded("PrintaParteDetail", [&] {
+    const printing::Page page(*this);
+    page.guarded("PrintaParteDetail", [&] {
         auto& s = impressora;
         const double y = var_cont + 0.5;
         detailFont(s);
-        printAt(s, 12, y, CampoA);
-        printAt(s, 21, y, CampoB);
-        printAt(s, 31.5, y, CampoC);
-        printAt(s, 55, y, CampoD);
+        page.printAt(s, 12, y, CampoA);
+        page.printAt(s, 21, y, CampoB);
+        page.printAt(s, 31.5, y, CampoC);
+        page.printAt(s, 55, y, CampoD);
         // The quantity must be a number ("0" when there is none): the rest of the row depends on it.
-        if (text::require_int16(CampoM) != 0) printAt(s, 201.5, y, CampoM);
-        printAt(s, 77.5, y, chars::right(CampoE, 1));
-        printAt(s, 90, y, chars::right(CampoF, 1));
-        printAt(s, 102, y, CampoG);
-        printAt(s, 114, y, chars::right(CampoH, 1));
+        if (text::require_int16(CampoM) != 0) page.printAt(s, 201.5, y, CampoM);
+        page.printAt(s, 77.5, y, chars::right(CampoE, 1));
+        page.printAt(s, 90, y, chars::right(CampoF, 1));
+        page.printAt(s, 102, y, CampoG);
+        page.printAt(s, 114, y, chars::right(CampoH, 1));
         const auto unless_zero = [&](double x, const std::string& field, std::size_t last) {
-            if (field != "0") printAt(s, x, y, chars::right(field, last));
+            if (field != "0") page.printAt(s, x, y, chars::right(field, last));
         };
         unless_zero(176.5, CampoK, 1);
         unless_zero(188.5, CampoL, 1);
@@ -73,7 +75,8 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
                                                 std::int32_t tamanho, std::int32_t tamanho2,
                                                 const ServiceSlots* Array_valorEsp)
 {
-    guarded("PrintaSEParteDetail", [&] {
+    const printing::Page page(*this);
+    page.guarded("PrintaSEParteDetail", [&] {
         auto& s = impressora;
         const double y = var_cont + 0.5;
         detailFont(s);
@@ -86,11 +89,11 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
             for (const auto& element : *Array_valorEsp) {
                 const std::string code = two_digits(element);
                 if (code.empty()) continue;
-                printAt(s, x, y, code);
+                page.printAt(s, x, y, code);
                 x -= 4.0;
             }
         } else {
-            printAt(s, 126, y, ServEsp);
+            page.printAt(s, 126, y, ServEsp);
         }
 
         if (tamanho > 0) {
@@ -98,10 +101,10 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
             for (std::int32_t i = 1; i <= tamanho; ++i) {
                 if (i >= static_cast<std::int32_t>(Array_valor->size())) raise(RunTimeError::SubscriptOutOfRange);
                 const std::string& value = (*Array_valor)[static_cast<std::size_t>(i)];
-                if (text::require_int32(value) != 0) printAt(s, 154, y, amount(value));
+                if (text::require_int32(value) != 0) page.printAt(s, 154, y, amount(value));
             }
         } else if (text::require_int32(Valor) != 0) {
-            printAt(s, 154, y, amount(Valor));
+            page.printAt(s, 154, y, amount(Valor));
         }
     });
     return {};

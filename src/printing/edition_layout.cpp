@@ -3,7 +3,7 @@
 namespace nimbara::printing {
 namespace {
 
-using S = ImpressaoComum::Slice;
+using S = Slice;
 
 constexpr FormItem kArrayPayment[] = {Caption{8, 26, "a Pronto"}, Caption{28, 26, "Pré-Ativo"}, Caption{51, 26, "Crédito"},
                                      Caption{85.5, 26, "JPP Credenciado"}};

@@ -10,6 +10,7 @@
 #include <variant>
 
 #include "nimbara/ImpressaoComum.hpp"
+#include "printing/page.hpp"
 
 namespace nimbara::printing {
 
@@ -56,7 +57,7 @@ struct EditionLayout {
     // Header and footer.
     std::span<const double> hidden_contracts;   // contract numbers that leave their cell empty
     std::optional<std::int16_t> remarks_line;   // line breaks padded to lines of this many characters
-    std::span<const ImpressaoComum::Slice, 5> remarks;
+    std::span<const Slice, 5> remarks;
     double jpp_mark_x;
     std::array<std::optional<double>, 3> payment_mark_x;  // by kind of deferred payment, 0 to 2
     std::span<const PageFieldPlace> page_fields;

@@ -8,6 +8,7 @@
 #include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/version.hpp"
 #include "printing/edition_layout.hpp"
+#include "printing/page.hpp"
 
 namespace nimbara {
 namespace {
@@ -60,71 +61,72 @@ const RowComb kRowCombsAfterAmount[] = {
     {{{255, true}, {258.5, true}}, {{255, 3.5}}},
 };
 
-}  // namespace
-
-void ImpressaoComum::drawTopRightCombs(PageSurface& s)
+void drawTopRightCombs(const printing::Page& page, PageSurface& s)
 {
     for (const auto& comb : kTopRightCombs) {
-        for (const auto& t : comb.ticks) frame(s, t.x, t.y, 0, t.h, 0.1);
-        frame(s, comb.rule_x, 30.1, comb.rule_w, 0, 0.1);
+        for (const auto& t : comb.ticks) page.frame(s, t.x, t.y, 0, t.h, 0.1);
+        page.frame(s, comb.rule_x, 30.1, comb.rule_w, 0, 0.1);
     }
 }
 
-void ImpressaoComum::drawRowCombs(PageSurface& s, double y)
+void drawRowCombs(const printing::Page& page, PageSurface& s, double y)
 {
     const auto tick = [&](std::pair<double, bool> t) {
         if (t.second)
-            frame(s, t.first, y, 0, 4, 0.1);
+            page.frame(s, t.first, y, 0, 4, 0.1);
         else
-            frame(s, t.first, y + 1, 0, 3, 0.1);
+            page.frame(s, t.first, y + 1, 0, 3, 0.1);
     };
     const auto comb = [&](const RowComb& c) {
         for (const auto& t : c.ticks) tick(t);
-        for (const auto& [x, w] : c.rules) frame(s, x, y + 4, w, 0, 0.1);
+        for (const auto& [x, w] : c.rules) page.frame(s, x, y + 4, w, 0, 0.1);
     };
     for (const auto& c : kRowCombs) comb(c);
     for (const auto& t : kAmountTicksBeforeComma) tick(t);
-    setFont(s, "Times New Roman", 8);
+    page.setFont(s, "Times New Roman", 8);
     s.setDrawMode(printer::kDrawMaskPen);
     s.setFillStyle(printer::kFillSolid);
-    printAt(s, 199.5, y + 2.1, ",");
+    page.printAt(s, 199.5, y + 2.1, ",");
     s.setDrawMode(printer::kDrawCopyPen);
     s.setFillStyle(printer::kFillSolid);
-    setFont(s, "Times New Roman", 7);
+    page.setFont(s, "Times New Roman", 7);
     for (const auto& t : kAmountTicksAfterComma) tick(t);
-    frame(s, 181.1, y + 4, 27.1, 0, 0.1);
+    page.frame(s, 181.1, y + 4, 27.1, 0, 0.1);
     for (const auto& c : kRowCombsAfterAmount) comb(c);
 }
+
+}  // namespace
 
 void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormImpressao& imagens,
                                             std::int32_t DplOriginal, const std::string& dtRequisicao)
 {
-    guarded("PrintaParteFixaGuiaExp", [&] {
+    const printing::Page page(*this);
+    page.guarded("PrintaParteFixaGuiaExp", [&] {
         auto& s = impressora;
         const printing::EditionLayout& layout = printing::edition_layout(edition_);
-        const auto text = [&](double x, double y, std::string_view t) { printAt(s, x, y, t); };
+        const auto text = [&](double x, double y, std::string_view t) { page.printAt(s, x, y, t); };
         const auto draw = [&](std::span<const printing::FormItem> items) {
             for (const auto& item : items) {
                 if (const auto* c = std::get_if<printing::Caption>(&item)) {
                     text(c->x, c->y, c->text);
                 } else if (const auto* f = std::get_if<printing::Frame>(&item)) {
-                    frame(s, f->x, f->y, f->w, f->h, f->e);
+                    page.frame(s, f->x, f->y, f->w, f->h, f->e);
                 } else {
                     const auto& font = std::get<printing::Font>(item);
-                    setFont(s, font.name, font.size, font.bold);
+                    page.setFont(s, font.name, font.size, font.bold);
                 }
             }
         };
         const auto grey_panel = [&](double x, double y, double w, double h) {
             s.setFillColor(kPanelGrey);
             s.setFillStyle(printer::kFillSolid);
-            printaCaixaFilled(w, h, x + LeftX, y + TopY, s);
+            printaCaixaFilled(w, h, x + page.LeftX(), y + page.TopY(), s);
         };
 
         s.setScaleMode(printer::kScaleTwips);
         s.setFillColor(kBlack);
         s.setFillStyle(printer::kFillSolid);
-        setFont(s, "Times New Roman", 7, false);
+        page.setFont(s, "Times New Roman", 7, false);
 
         // The identification row under the header frame.
         text(1, 32.5, "Código de Terceiro");
@@ -133,35 +135,35 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
         text(89, 32.5, "Credencial Porte Pago");
         text(124, 32.5, "Nome do Cliente Expedidor");
         text(228, 32.5, "Nº Fiscal");
-        frame(s, 1, 36, 25, 5, 0.1);
-        frame(s, 31, 36, 23, 5, 0.1);
-        frame(s, 59, 36, 25, 5, 0.1);
-        frame(s, 89, 36, 33, 5, 0.1);
-        frame(s, 124, 36, 100, 5, 0.1);
-        frame(s, 228, 36, 34, 5, 0.1);
+        page.frame(s, 1, 36, 25, 5, 0.1);
+        page.frame(s, 31, 36, 23, 5, 0.1);
+        page.frame(s, 59, 36, 25, 5, 0.1);
+        page.frame(s, 89, 36, 33, 5, 0.1);
+        page.frame(s, 124, 36, 100, 5, 0.1);
+        page.frame(s, 228, 36, 34, 5, 0.1);
 
-        setFont(s, "Arial", 8, true);
+        page.setFont(s, "Arial", 8, true);
         text(5, 152, "Observações");
-        frame(s, 5, 156, 165, 26, 0.35);
-        setFont(s, "Times New Roman", 7, true);
+        page.frame(s, 5, 156, 165, 26, 0.35);
+        page.setFont(s, "Times New Roman", 7, true);
         text(143, 127, "Aceite - Conferido");
-        s.PaintPicture(imagens.pic_circuloAceiteConferido, twipsX(142.5), twipsY(131));
+        s.PaintPicture(imagens.pic_circuloAceiteConferido, page.twipsX(142.5), page.twipsY(131));
 
         // The header frame with the headline, the payment boxes and the request date.
-        frame(s, 0, 0, 262, 32.1, 0.35);
-        frame(s, 1, 20, 80, 0, 0.2);
-        setFont(s, "Arial", 11, true);
+        page.frame(s, 0, 0, 262, 32.1, 0.35);
+        page.frame(s, 1, 20, 80, 0, 0.2);
+        page.setFont(s, "Arial", 11, true);
         text(40, 6.5, layout.headline);
-        setFont(s, "Arial", 8, true);
+        page.setFont(s, "Arial", 8, true);
         text(2, 21.1, "Pagamento");
-        setFont(s, "Arial", 10, true);
+        page.setFont(s, "Arial", 10, true);
         text(40, 11.5, "Guia Nimbara ");
-        frame(s, 2, 26, 4, 4, 0.1);
-        frame(s, 22, 26, 4, 4, 0.1);
-        frame(s, layout.third_payment_box_x, 26, 4, 4, 0.1);
-        frame(s, 80, 26, 4, 4, 0.1);
-        frame(s, 115, 26, 26, 4, 0.1);
-        setFont(s, "Arial", 8, true);
+        page.frame(s, 2, 26, 4, 4, 0.1);
+        page.frame(s, 22, 26, 4, 4, 0.1);
+        page.frame(s, layout.third_payment_box_x, 26, 4, 4, 0.1);
+        page.frame(s, 80, 26, 4, 4, 0.1);
+        page.frame(s, 115, 26, 26, 4, 0.1);
+        page.setFont(s, "Arial", 8, true);
         draw(layout.payment_captions);
         text(112.6, 17.5, "Data da Requisição");
         text(115.6, 21, "Ano - Mês - Dia");
@@ -170,63 +172,63 @@ void ImpressaoComum::PrintaParteFixaGuiaExp(PageSurface& impressora, const FormI
 
         // The footer: sender's address, acceptance, amount charged, numbers of the document.
         grey_panel(190.1, 118.1, 70.8, 27.8);
-        frame(s, 5, 121, 120, 28, 0);
-        setFont(s, "Arial", 7, true);
+        page.frame(s, 5, 121, 120, 28, 0);
+        page.setFont(s, "Arial", 7, true);
         text(7, 121.5, "(Endereço do Remetente)");
         text(7, 145, "(Rubrica do Entregador)");
-        frame(s, 7, 128.5, 100, 0, 0);
-        frame(s, 7, 133.5, 100, 0, 0);
-        frame(s, 7, 142, 100, 0, 0);
-        frame(s, 192, 123, 67, 0, 0);
-        frame(s, 192, 130, 67, 0, 0);
-        frame(s, 192, 137, 67, 0, 0);
+        page.frame(s, 7, 128.5, 100, 0, 0);
+        page.frame(s, 7, 133.5, 100, 0, 0);
+        page.frame(s, 7, 142, 100, 0, 0);
+        page.frame(s, 192, 123, 67, 0, 0);
+        page.frame(s, 192, 130, 67, 0, 0);
+        page.frame(s, 192, 137, 67, 0, 0);
         const std::string copy_mark = DplOriginal == 0 ? "Original" : "Duplicado " + std::to_string(DplOriginal);
         const std::string version = "Versão " + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) +
                                     "." + std::to_string(kVersionRevision);
         text(layout.copy_mark.x, layout.copy_mark.y, copy_mark);
         if (layout.version_not_bold) s.setFontBold(false);
         text(layout.version.x, layout.version.y, version);
-        s.PaintPicture(imagens.pict_cobrado, twipsX(198.5), twipsY(141.5));
-        s.PaintPicture(imagens.pic_euro, twipsX(212.5), twipsY(140));
+        s.PaintPicture(imagens.pict_cobrado, page.twipsX(198.5), page.twipsY(141.5));
+        s.PaintPicture(imagens.pic_euro, page.twipsX(212.5), page.twipsY(140));
         s.setForeColor(kBlack);
         s.setFillStyle(printer::kFillHorizontalLine);
         text(195, 114.5, "Observações");
         text(193.5, 151.5, "Por");
-        s.PaintPicture(imagens.pict_ponto, twipsX(228.5), twipsY(138));
-        s.PaintPicture(imagens.pict_virgula, twipsX(247.5), twipsY(138));
-        for (double x : {216.5, 222.5, 230.0, 236.0, 242.0, 249.0, 255.0}) frame(s, x, 138, 5, 6.5, 0.1);
-        frame(s, 184, 156, 77, 0, 0);
-        setFont(s, "Arial", 9);
+        s.PaintPicture(imagens.pict_ponto, page.twipsX(228.5), page.twipsY(138));
+        s.PaintPicture(imagens.pict_virgula, page.twipsX(247.5), page.twipsY(138));
+        for (double x : {216.5, 222.5, 230.0, 236.0, 242.0, 249.0, 255.0}) page.frame(s, x, 138, 5, 6.5, 0.1);
+        page.frame(s, 184, 156, 77, 0, 0);
+        page.setFont(s, "Arial", 9);
         draw(layout.page_panel);
 
         // The top-right panel with the request number's combs.
         grey_panel(185.1, 19.1, 73.8, 11.8);
-        drawTopRightCombs(s);
+        drawTopRightCombs(page, s);
         draw(layout.request_panel_caption);
-        s.PaintPicture(imagens.pict_ec_aceitante, twipsX(186.5), twipsY(20));
+        s.PaintPicture(imagens.pict_ec_aceitante, page.twipsX(186.5), page.twipsY(20));
         for (double x : {216.0, 225.5, 234.7}) {
-            s.setCurrentX(twipsX(x));
-            s.setCurrentY(twipsY(21));
+            s.setCurrentX(page.twipsX(x));
+            s.setCurrentY(page.twipsY(21));
         }
 
         // The twelve rows of the table.
         s.setFillColor(kBlack);
         for (int row = 0, y = 43; row < 12; ++row, y += 6) {
-            setFont(s, "Times New Roman", 7, true);
+            page.setFont(s, "Times New Roman", 7, true);
             s.setFillColor(kBlack);
-            s.setCurrentX(twipsX(8));
-            s.setCurrentY(twipsY(2));
+            s.setCurrentX(page.twipsX(8));
+            s.setCurrentY(page.twipsY(2));
             if (layout.row_combs)
-                drawRowCombs(s, y);
+                drawRowCombs(page, s, y);
             else
-                frame(s, 10, y + 4, 255, 0, 0.1);
+                page.frame(s, 10, y + 4, 255, 0, 0.1);
         }
 
         // Last, so that they lie over the rows' rules.
-        s.PaintPicture(imagens.Pic_barra_ProcessadoComp, twipsX(0), twipsY(126.5));
+        s.PaintPicture(imagens.Pic_barra_ProcessadoComp, page.twipsX(0), page.twipsY(126.5));
         const auto strips = imagens.strips();
         for (std::size_t i = 0; i < layout.strip_x.size(); ++i)
-            s.PaintPicture(*strips[i], twipsX(layout.strip_x[i]), twipsY(41.5));
+            s.PaintPicture(*strips[i], page.twipsX(layout.strip_x[i]), page.twipsY(41.5));
     });
 }
 

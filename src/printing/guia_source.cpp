@@ -1,6 +1,7 @@
 #include "printing/guia_source.hpp"
 
 #include "foundation/required_numbers.hpp"
+#include "nimbara/cls_ParametroA.hpp"
 
 namespace nimbara::printing {
 
@@ -23,6 +24,17 @@ serv::Table ArraySource::services(int index) const
 {
     return GlobalXML::getArrServEspByLinha(arrays_.arrServEsp,
                                            text::require_cell_int32(arrays_.arrGuia.at(guia::N_Linha, index)));
+}
+
+SymbolSettings ArraySource::symbol_settings() const
+{
+    cls_ParametroA parametros;
+    parametros.PreencheObjecto(arrays_.arrParametros);
+    return {{text::require_int32(parametros.vCod2DErroLevel), text::require_int32(parametros.vCod2DNColunas),
+             text::require_int32(parametros.vCod2DNLinhas), parametros.vCod2DTruncated == "1",
+             text::require_int32(parametros.vCod2DPDFMode), parametros.vCod2DApplyTilde == "1"},
+            text::require_number(parametros.VCod2DFonteSize),
+            text::require_number(parametros.vCod2DRatio)};
 }
 
 }  // namespace nimbara::printing

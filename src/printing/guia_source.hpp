@@ -1,9 +1,18 @@
 #pragma once
-// Where the page driver reads a Guia: its header, and its lines one at a time with their special
-// services. The in-memory tables feed it here; a database source answers the same questions.
+// Where the page driver reads a Guia: its header, its lines one at a time with their special
+// services, and the settings of its symbols. The in-memory tables feed it here; a database source
+// answers the same questions.
 #include "nimbara/guia_arrays.hpp"
+#include "platform/pdf417_encoder.hpp"
 
 namespace nimbara::printing {
+
+// How a page's symbol is encoded and drawn.
+struct SymbolSettings {
+    platform::Pdf417Options encoding;
+    double font_size;  // the setting, from which the size of a module follows
+    double ratio;      // 0, 1 or more: rows two, three or four modules high
+};
 
 class GuiaSource {
 public:
@@ -17,6 +26,8 @@ public:
     // The special services of a line as rows of the services' table. Throws std::exception when the
     // line's number is no number.
     virtual serv::Table services(int index) const = 0;
+    // Throws std::exception when a setting is no number.
+    virtual SymbolSettings symbol_settings() const = 0;
 };
 
 // A line as it prints and encodes: format "07" of product "C07" stands as "01". The source keeps
@@ -32,6 +43,7 @@ public:
     int line_count() const override { return arrays_.arrGuia.row_count(); }
     guia::Table line(int index) const override;
     serv::Table services(int index) const override;
+    SymbolSettings symbol_settings() const override;
 
 private:
     const GuiaArrays& arrays_;

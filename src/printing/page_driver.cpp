@@ -1,21 +1,15 @@
-// The page driver of the array edition: walks the Guia's lines into pages of twelve rows, with the
-// rows their special services need, turns the pages and gives each page its symbol.
-#include <limits>
-#include <stdexcept>
+// The page driver of the array edition: draws one copy's page plan through the printer's routines,
+// as one print job.
+#include <variant>
 
 #include "foundation/chars.hpp"
-#include "foundation/run_time_errors.hpp"
-#include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
-#include "printing/barcode_payload.hpp"
 #include "printing/guia_source.hpp"
+#include "printing/page.hpp"
+#include "printing/page_plan.hpp"
 
 namespace nimbara {
 namespace {
-
-constexpr int kRowsPerPage = 12;
-constexpr std::int32_t kFirstRowY = 42;  // 42.5 rounded half to even, as the row's y always was
-constexpr std::int32_t kRowPitch = 6;
 
 template <class Table>
 std::string text_or(const Table& t, typename Table::field_type field, int row, std::string_view if_empty)
@@ -24,117 +18,99 @@ std::string text_or(const Table& t, typename Table::field_type field, int row, s
     return std::string(c ? std::string_view(*c) : if_empty);
 }
 
-// A slot of the service rows; the old arrays had eleven, and a count past them stopped the copy.
-std::string& slot(cls_ImpressaoA::ServiceSlots& slots, std::int32_t index)
-{
-    if (index < 0 || index >= static_cast<std::int32_t>(slots.size())) raise(RunTimeError::SubscriptOutOfRange);
-    return slots[static_cast<std::size_t>(index)];
-}
+// Draws the steps of a plan; whatever the surface throws ends the job like a fault of the Guia.
+class PlanDrawing {
+public:
+    PlanDrawing(cls_ImpressaoA& printer, const printing::GuiaSource& source, PageSurface& s,
+                const FormImpressao& imagens, std::int32_t DuplOrig, const std::string& dtRequisicao,
+                std::int32_t TotPaginas)
+        : printer(printer), page(printer), source(source), s(s), imagens(imagens), DuplOrig(DuplOrig),
+          dtRequisicao(dtRequisicao), TotPaginas(TotPaginas)
+    {
+    }
 
-bool follows_with_c25(std::string_view product)
-{
-    return product == "C03" || product == "C05" || product == "C50";
-}
+    void operator()(const printing::step::PageTop&) const
+    {
+        printer.PrintaParteFixaGuiaExp(s, imagens, DuplOrig, dtRequisicao);
+        const cab::Table& cab = source.header();
+        if (!cab.empty()) {
+            const auto f = [&](auto field) { return std::string(cab.text(field, 0)); };
+            const std::string postal = chars::left(f(cab::CodPostal), 4) + " - " +
+                                       chars::right(f(cab::CodPostal), 3) + " " + f(cab::DesigPostal);
+            printer.ImprimeHeaderFooter(s, text_or(cab, cab::CodTerceiro, 0, "0"), f(cab::CodCliente),
+                                        f(cab::CodContrato), f(cab::CodCredencial), f(cab::Nome),
+                                        text_or(cab, cab::NContribuinte, 0, "0"), f(cab::Morada), postal, f(cab::Obs),
+                                        f(cab::JppCredenciado), f(cab::Pagamento));
+        }
+        page.paintLogo(s, imagens);
+    }
+
+    void operator()(const printing::step::Line& l) const
+    {
+        const guia::Table line = printing::printed_line(source, l.index);
+        const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
+        printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
+                                  f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato),
+                                  f(guia::PreTratamento), f(guia::Desconto), f(guia::Vexora),
+                                  f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana), f(guia::TaxEsp_Quantidade),
+                                  f(guia::DivisaoRemetente), f(guia::caracte), f(guia::refClie), l.y);
+    }
+
+    void operator()(const printing::step::PageNumbers& n) const
+    {
+        const cab::Table& cab = source.header();
+        printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, n.pag, TotPaginas,
+                                   std::string(cab.text(cab::NCompromisso, 0)));
+    }
+
+    void operator()(const printing::step::ServiceRow& r) const
+    {
+        if (r.slots)
+            printer.PrintaSEParteDetail(s, r.code, r.value, r.y, &r.slots->val, r.slots->nVal, r.slots->nCod,
+                                        &r.slots->cod);
+        else
+            printer.PrintaSEParteDetail(s, r.code, r.value, r.y);
+    }
+
+    void operator()(const printing::step::EraseLastRow&) const { printer.Apaga_RegsUltima_linha(s); }
+
+    void operator()(const printing::step::Total& t) const
+    {
+        const std::string total = std::to_string(t.quantity);
+        double x = 99.5;
+        for (std::int32_t p = 1; p <= static_cast<std::int32_t>(total.size()); ++p, x -= 4.0) {
+            s.setCurrentX(page.twipsX(x));
+            s.setCurrentY(page.twipsY(115));
+            s.Print(printer.ValorAlinhado(total, 1, p));
+        }
+    }
+
+    void operator()(const printing::step::Remarks& r) const { printer.ReimprimirObservacoes(s, r.text); }
+
+    void operator()(const printing::step::Symbol& symbol) const { printer.PrintCreatedPDF(s, symbol.payload); }
+
+private:
+    cls_ImpressaoA& printer;
+    printing::Page page;
+    const printing::GuiaSource& source;
+    PageSurface& s;
+    const FormImpressao& imagens;
+    std::int32_t DuplOrig;
+    const std::string& dtRequisicao;
+    std::int32_t TotPaginas;
+};
 
 }  // namespace
 
-namespace printing {
-
-// The working state of one copy.
-struct Via {
-    std::int32_t pag = 0;
-    std::int32_t TotPaginas = 0;
-    int lin = 0;
-    std::int16_t nLinhas = 0;
-    std::int32_t nExtra = 0;
-    std::int16_t nSemCodigo = 0;
-    std::int32_t yLinha = kFirstRowY;
-    std::int32_t yServ = kFirstRowY;
-    serv::Table servLinha;
-    cls_ImpressaoA::ServiceSlots cod{}, val{};
-    std::int32_t nVal = 0, nCod = 0;
-    std::int32_t codigoServ = 0, valorServ = 0;  // the code and value kept for the next service row
-    bool jaImpresso = false;
-    bool fim = false;
-    std::string codigoCabecalho;
-    std::string codigoLinhas;
-    std::int32_t totalQuantidade = 0;
-    std::string observacoes;
-    std::int32_t DuplOrig = 0;
-    std::string dtRequisicao;
-
-    int rows() const { return nLinhas + nExtra; }
-    bool page_full() const { return rows() == kRowsPerPage; }
-};
-
-// One copy's print: the walk over the lines into pages and the steps that draw it. A friend of the
-// printer, whose drawing routines and symbol state it uses.
-class PageDriver {
-public:
-    PageDriver(cls_ImpressaoA& printer, const GuiaSource& source, PageSurface& s, const FormImpressao& imagens,
-               std::int32_t DuplOrig, const std::string& dtRequisicao)
-        : printer(printer), source(source), s(s), imagens(imagens)
-    {
-        via.DuplOrig = DuplOrig;
-        via.dtRequisicao = dtRequisicao;
-    }
-
-    // Prints every page; a failure is logged and ends the copy, and the job is ended all the same.
-    void run(std::int32_t varNReq);
-
-private:
-    void pageTop();
-    void printLine();
-    void printServices();
-    // A finished page's counts and symbol lines, forgotten when the next page starts.
-    void forgetPage();
-    void turnPage(bool count_first);
-    void finishSymbol();
-    // The product line of a one-row table, as it prints.
-    void detailOfLine(const guia::Table& line, std::int32_t y);
-
-    cls_ImpressaoA& printer;
-    const GuiaSource& source;
-    PageSurface& s;
-    const FormImpressao& imagens;
-    Via via;
-};
-
-}  // namespace printing
-
 std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
 {
-    const printing::ArraySource source(arrays);
-    std::int16_t pages = source.line_count() > 0 ? 1 : 0;
-    try {
-        std::int16_t rows = 0, semValor = 0, comValor = 0;
-        for (int line = 0; line < source.line_count(); ++line) {
-            ++rows;
-            const serv::Table services = source.services(line);
-            for (int s = 0; s < services.row_count(); ++s) {
-                const bool without_value = text::require_cell_number(services.at(serv::Valor, s)) == 0;
-                ++(without_value ? semValor : comValor);
-                // The fourth service, or the second with a value, needs a row of its own.
-                if (semValor + comValor == 4 || comValor == 2) {
-                    ++rows;
-                    semValor = without_value ? 1 : 0;
-                    comValor = without_value ? 0 : 1;
-                }
-            }
-            if (rows > kRowsPerPage) {
-                ++pages;
-                rows -= kRowsPerPage;
-            }
-        }
-    } catch (const std::exception&) {
-        // The forecast counts what it could; the page driver meets the fault itself.
-    }
-    return pages;
+    return printing::forecast_pages(printing::ArraySource(arrays));
 }
 
 std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
 {
     auto& s = impressora;
+    const printing::Page page(*this);
     s.setFillColor(kBlack);
     s.setFontName("Times New Roman");
     s.setFontSize(8);
@@ -143,290 +119,43 @@ std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
     // The columns of an earlier layout of the row; the blanks erase where the printer paints the
     // text's background, and the last characters of an empty text draw nothing.
     constexpr double y = 108 + 0.5;
-    for (const double x : {10.6, 41.8, 47.8, 60.0, 201.5, 102.0}) printAt(s, x, y, "  ");
-    for (const double x : {77.5, 90.0, 114.0, 176.5, 188.5, 224.0, 236.6, 248.2}) printAt(s, x, y, "");
+    for (const double x : {10.6, 41.8, 47.8, 60.0, 201.5, 102.0}) page.printAt(s, x, y, "  ");
+    for (const double x : {77.5, 90.0, 114.0, 176.5, 188.5, 224.0, 236.6, 248.2}) page.printAt(s, x, y, "");
     return {};
 }
 
-namespace printing {
-
-void PageDriver::detailOfLine(const guia::Table& line, std::int32_t y)
-{
-    const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
-    printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
-                              f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento),
-                              f(guia::Desconto), f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana),
-                              f(guia::TaxEsp_Quantidade), f(guia::DivisaoRemetente), f(guia::caracte),
-                              f(guia::refClie), y);
-}
-
-void PageDriver::pageTop()
-{
-    printer.PrintaParteFixaGuiaExp(s, imagens, via.DuplOrig, via.dtRequisicao);
-    const cab::Table& cab = source.header();
-    if (!cab.empty()) {
-        const auto f = [&](auto field) { return std::string(cab.text(field, 0)); };
-        const std::string postal = chars::left(f(cab::CodPostal), 4) + " - " + chars::right(f(cab::CodPostal), 3) +
-                                   " " + f(cab::DesigPostal);
-        printer.ImprimeHeaderFooter(s, text_or(cab, cab::CodTerceiro, 0, "0"), f(cab::CodCliente), f(cab::CodContrato),
-                                    f(cab::CodCredencial), f(cab::Nome), text_or(cab, cab::NContribuinte, 0, "0"),
-                                    f(cab::Morada), postal, f(cab::Obs), f(cab::JppCredenciado), f(cab::Pagamento));
-    }
-    printer.paintLogo(s, imagens);
-}
-
-void PageDriver::finishSymbol()
-{
-    printer.PrintCreatedPDF(
-        s, printing::finish_payload(via.codigoCabecalho, via.pag, via.nLinhas - via.nSemCodigo, via.codigoLinhas));
-}
-
-void PageDriver::forgetPage()
-{
-    via.nSemCodigo = 0;
-    via.nExtra = 0;
-    via.nLinhas = 0;
-    printer.Total_Se_CodBarras = 0;
-    via.codigoLinhas.clear();
-    printer.Str_CodBarrasServEsp.clear();
-}
-
-// A page turned in the middle of a line's services. Turns that count the page first write the
-// next page's number into the finished page's symbol, as they always have.
-void PageDriver::turnPage(bool count_first)
-{
-    if (count_first) ++via.pag;
-    finishSymbol();
-    if (!count_first) ++via.pag;
-    forgetPage();
-    s.NewPage();
-    via.yLinha = kFirstRowY;
-    pageTop();
-    const cab::Table& cab = source.header();
-    printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
-                               std::string(cab.text(cab::NCompromisso, 0)));
-}
-
-void PageDriver::printServices()
-{
-    const serv::Table& services = via.servLinha;
-    const auto fresh_slots = [&] {
-        via.cod = {};
-        via.val = {};
-    };
-    const auto service_row = [&] {
-        printer.PrintaSEParteDetail(s, std::to_string(via.codigoServ), std::to_string(via.valorServ), via.yServ,
-                                    &via.val, via.nVal, via.nCod, &via.cod);
-    };
-
-    if (services.empty()) {
-        if (via.page_full()) turnPage(false);
-        return;
-    }
-    for (int i = 0; i < services.row_count(); ++i) {
-        const std::string code(services.text(serv::CodServEsp, i));
-        const Cell& value_cell = services.at(serv::Valor, i);
-        const std::string value(value_cell ? std::string_view(*value_cell) : std::string_view());
-        const bool without_value = text::require_cell_number(value_cell) == 0;
-        const auto keep = [&] {
-            via.valorServ = text::require_cell_int32(value_cell);
-            via.codigoServ = text::require_cell_int32(services.at(serv::CodServEsp, i));
-        };
-
-        if (without_value) {
-            ++via.nVal;
-            slot(via.cod, via.nVal) = code;
-            slot(via.val, via.nVal) = value;
-            keep();
-            ++via.nCod;
-            // Three services without a value fill a row.
-            if (via.nVal == 3) {
-                service_row();
-                ++via.nExtra;
-                via.yServ += kRowPitch;
-                via.yLinha += kRowPitch;
-                via.nCod = 0;
-                fresh_slots();
-                via.nVal = 0;
-                if (via.page_full()) turnPage(true);
-            }
-        } else {
-            // A service with a value after those without: they go out first, and a service of
-            // another code takes a row of its own.
-            if (via.nVal >= 1 && slot(via.val, via.nVal) == "0") {
-                service_row();
-                via.yServ += kRowPitch;
-                if (slot(via.cod, 1) != code) {
-                    printer.PrintaSEParteDetail(s, code, value, via.yServ);
-                    via.yServ += kRowPitch;
-                    via.yLinha += kRowPitch;
-                    ++via.nExtra;
-                    via.jaImpresso = true;
-                }
-                via.nVal = 0;
-                fresh_slots();
-                if (via.page_full()) turnPage(true);
-            }
-            keep();
-            ++via.nVal;
-            ++via.nCod;
-            slot(via.cod, via.nCod) = code;
-            slot(via.val, via.nVal) = value;
-            if (via.page_full()) turnPage(true);
-        }
-
-        const bool last = i == services.row_count() - 1;
-        if (via.nVal > 0 && last) {
-            if (!via.jaImpresso) {
-                service_row();
-                via.yServ += kRowPitch;
-            }
-            via.jaImpresso = false;
-            if (via.page_full()) turnPage(false);
-            via.nVal = 0;
-            via.cod = {};
-        }
-    }
-}
-
-void PageDriver::printLine()
-{
-    const int lin = via.lin;
-    const int last = source.line_count() - 1;
-    const cab::Table& cab = source.header();
-    const guia::Table line = printed_line(source, lin);
-    const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
-    const std::string product = f(guia::B_Produto);
-
-    detailOfLine(line, via.yLinha);
-    const std::string campaign = f(guia::CodigoCampanha);
-    if (!campaign.empty())
-        via.observacoes += "Linha " + std::to_string(via.rows() + 1) + "- " + campaign + "; ";
-    via.yLinha += kRowPitch;
-    printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
-                               std::string(cab.text(cab::NCompromisso, 0)));
-
-    via.servLinha = source.services(lin);
-    // A "C25" line after these products is this line's service "25" in the symbol.
-    if (follows_with_c25(product) && lin < last && source.line(lin + 1).text(guia::B_Produto, 0) == "C25") {
-        printer.Str_CodBarrasServEsp = "25" + printing::pad_zero(source.line(lin + 1).text(guia::Escalao, 0), 7);
-        ++printer.Total_Se_CodBarras;
-    }
-    const serv::Table& services = via.servLinha;
-    if (!services.empty()) {
-        for (int i = 0; i < services.row_count(); ++i)
-            printer.Str_CodBarrasServEsp +=
-                printing::item_servico(services.text(serv::CodServEsp, i), services.text(serv::Valor, i));
-        printer.Total_Se_CodBarras = services.row_count();
-    }
-
-    // The last row cannot take a line whose services need more than that row: it moves to the next page.
-    if (!services.empty() && via.rows() == kRowsPerPage - 1 &&
-        (services.row_count() > 3 || printer.CountSEspeciaisComValor(services) >= 2)) {
-        printer.Apaga_RegsUltima_linha(s);
-        finishSymbol();
-        forgetPage();
-        via.yLinha = kFirstRowY;
-        via.yServ = kFirstRowY;
-        s.NewPage();
-        ++via.pag;
-        pageTop();
-        detailOfLine(line, via.yLinha);
-        if (!campaign.empty()) via.observacoes += "Linha - 1 - " + campaign + "; ";
-        via.yLinha += kRowPitch;
-    }
-    if (services.empty()) via.yServ += kRowPitch;
-
-    printServices();
-
-    ++via.nLinhas;
-    if (product != "C25")
-        via.codigoLinhas += printing::item_linha(line, 0, printer.Str_CodBarrasServEsp, printer.Total_Se_CodBarras);
-    else
-        ++via.nSemCodigo;
-    const std::string quantity = f(guia::D_Quantidade);
-    const std::int64_t total = static_cast<std::int64_t>(via.totalQuantidade) +
-                               (quantity.empty() ? 0 : text::require_int32(quantity));
-    if (total > std::numeric_limits<std::int32_t>::max() || total < std::numeric_limits<std::int32_t>::min())
-        raise(RunTimeError::Overflow);
-    via.totalQuantidade = static_cast<std::int32_t>(total);
-
-    printer.Str_CodBarrasServEsp.clear();
-    printer.Total_Se_CodBarras = 0;
-    if (lin == last) via.fim = true;
-    ++via.lin;
-}
-
-void PageDriver::run(std::int32_t varNReq)
-{
-    try {
-        via.TotPaginas = printer.Calcula_TotalidadePaginas(varNReq);
-        const cab::Table& cab = source.header();
-        if (source.line_count() == 0) raise(RunTimeError::TypeMismatch);  // no lines: nothing to walk
-        while (!via.fim) {
-            if (via.page_full()) finishSymbol();
-            ++via.pag;
-            via.codigoCabecalho = printing::codigo_cabecalho(cab, via.pag, via.TotPaginas);
-            if (via.page_full() && via.pag > 1) {
-                via.nSemCodigo = 0;
-                printer.Total_Se_CodBarras = 0;
-                via.codigoLinhas.clear();
-                printer.Str_CodBarrasServEsp.clear();
-                s.NewPage();
-                via.nExtra = 0;
-            }
-            pageTop();
-            via.nLinhas = 0;
-            via.cod = {};
-            via.val = {};
-            via.yServ = kFirstRowY;
-            via.yLinha = kFirstRowY;
-            if (via.pag == 1) via.lin = 0;
-
-            const int lin_before = via.lin;
-            while (via.lin < source.line_count() && via.rows() < kRowsPerPage) printLine();
-            // Every page takes at least one line; a page that took none would come back for ever.
-            if (via.lin == lin_before && !via.fim) throw std::logic_error("a page took no line");
-
-            if (via.pag == via.TotPaginas) {
-                const std::string total = std::to_string(via.totalQuantidade);
-                double x = 99.5;
-                for (std::int32_t p = 1; p <= static_cast<std::int32_t>(total.size()); ++p, x -= 4.0) {
-                    s.setCurrentX(printer.twipsX(x));
-                    s.setCurrentY(printer.twipsY(115));
-                    s.Print(printer.ValorAlinhado(total, 1, p));
-                }
-                via.totalQuantidade = 0;
-            }
-            printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, via.pag, via.TotPaginas,
-                                       std::string(cab.text(cab::NCompromisso, 0)));
-            printer.ReimprimirObservacoes(s, std::string(cab.text(cab::Obs, 0)) + "\r\n" + via.observacoes);
-        }
-        finishSymbol();
-        printer.Total_Se_CodBarras = 0;
-        via.codigoLinhas.clear();
-        printer.Str_CodBarrasServEsp.clear();
-        s.EndDoc();
-    } catch (const std::exception& e) {
-        printer.WriteLog(std::string("Imprime_Parte_Variavel-Erro:") + e.what());
-        printer.Total_Se_CodBarras = 0;
-        printer.Str_CodBarrasServEsp.clear();
-        // The job ends in any case, so that the pages already drawn come out.
-        printer.guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
-    }
-}
-
-}  // namespace printing
-
-void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t varNReq,
+void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t /*varNReq*/,
                                             std::int16_t /*N_Via*/, PageSurface& impressora2,
                                             const FormImpressao& imagens, double TopY_, double LeftX_,
                                             std::int32_t DuplOrig, const std::string& dtRequisicao,
                                             const std::string& /*NGUIA*/)
 {
     SetPageOffsets(LeftX_, TopY_);
+    auto& s = impressora2;
     const printing::ArraySource source(arrays);
-    printing::PageDriver(*this, source, impressora2, imagens, DuplOrig, dtRequisicao).run(varNReq);
+    const printing::PagePlan plan = printing::plan_pages(source);
+    const PlanDrawing draw(*this, source, s, imagens, DuplOrig, dtRequisicao, plan.TotPaginas);
+    const auto fail = [&](const std::string& what) {
+        WriteLog("Imprime_Parte_Variavel-Erro:" + what);
+        // The job ends in any case, so that the pages already drawn come out.
+        printing::Page(*this).guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
+    };
+    try {
+        for (std::size_t i = 0; i < plan.pages.size(); ++i) {
+            if (i > 0) s.NewPage();
+            for (const auto& step : plan.pages[i].steps) std::visit(draw, step);
+        }
+        if (plan.failure) {
+            fail(*plan.failure);
+        } else {
+            s.EndDoc();
+        }
+    } catch (const std::exception& e) {
+        fail(e.what());
+    }
+    // The line's symbol section is the walk's own; the properties are left cleared, as after any copy.
+    Total_Se_CodBarras = 0;
+    Str_CodBarrasServEsp.clear();
 }
 
 }  // namespace nimbara

@@ -1,10 +1,11 @@
-// The drawing primitives and the small helpers every printing routine of both editions uses.
+// The drawing primitives both editions share: frames, filled boxes, the circle and the comb helper.
 #include <cmath>
 #include <stdexcept>
 
 #include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "nimbara/ImpressaoComum.hpp"
+#include "printing/page.hpp"
 #include "printing/print_log.hpp"
 
 namespace nimbara {
@@ -25,7 +26,7 @@ void ImpressaoComum::SetPageOffsets(double left_mm, double top_mm)
 
 void ImpressaoComum::printaCaixa(double w, double h, double e, double X, double y, PageSurface& impressora)
 {
-    guarded("printaCaixa", [&] {
+    printing::Page(*this).guarded("printaCaixa", [&] {
         const double W = whole_twips(w), H = whole_twips(h), E = whole_twips(e), X1 = whole_twips(X), Y1 = whole_twips(y);
         impressora.setFillColor(kBlack);
         impressora.setFillStyle(printer::kFillSolid);
@@ -38,7 +39,7 @@ void ImpressaoComum::printaCaixa(double w, double h, double e, double X, double 
 
 void ImpressaoComum::printaCaixaFilled(double w, double h, double X, double y, PageSurface& impressora)
 {
-    guarded("printaCaixaFilled", [&] {
+    printing::Page(*this).guarded("printaCaixaFilled", [&] {
         const double X1 = whole_twips(X), Y1 = whole_twips(y);
         impressora.Line(printer::kLineBox, X1, Y1, X1 + whole_twips(w), Y1 + whole_twips(h), kBlack);
     });
@@ -46,7 +47,7 @@ void ImpressaoComum::printaCaixaFilled(double w, double h, double X, double y, P
 
 void ImpressaoComum::printacirculo(double X, double y, double R, PageSurface& impressora)
 {
-    guarded("printacirculo", [&] { impressora.Circle(0, whole_twips(X), whole_twips(y), whole_twips(R), 0, 0, 0, 0); });
+    printing::Page(*this).guarded("printacirculo", [&] { impressora.Circle(0, whole_twips(X), whole_twips(y), whole_twips(R), 0, 0, 0, 0); });
 }
 
 std::string ImpressaoComum::ValorAlinhado(const std::string& valor, std::int32_t largura, std::int32_t posicao)
@@ -63,35 +64,12 @@ std::string ImpressaoComum::ApagaValorAlinhado(const std::string& valor, std::in
     return ValorAlinhado(valor, largura, posicao);
 }
 
-void ImpressaoComum::paintLogo(PageSurface& s, const FormImpressao& imagens) const
-{
-    s.PaintPicture(imagens.PictlogoZartel, twipsX(1), twipsY(1));
-}
-
 void ImpressaoComum::PrintTestPage(PageSurface& impressora, const FormImpressao& imagens, std::int32_t DplOriginal,
                                    const std::string& dtRequisicao)
 {
     PrintaParteFixaGuiaExp(impressora, imagens, DplOriginal, dtRequisicao);
-    guarded("PrintTestPage", [&] { paintLogo(impressora, imagens); });
-}
-
-void ImpressaoComum::printAt(PageSurface& s, double x, double y, std::string_view text) const
-{
-    s.setCurrentX(twipsX(x));
-    s.setCurrentY(twipsY(y));
-    s.Print(text);
-}
-
-void ImpressaoComum::setFont(PageSurface& s, std::string_view name, double size, std::optional<bool> bold)
-{
-    s.setFontName(name);
-    s.setFontSize(size);
-    if (bold) s.setFontBold(*bold);
-}
-
-void ImpressaoComum::frame(PageSurface& s, double x, double y, double w, double h, double e)
-{
-    printaCaixa(w, h, e, x + LeftX, y + TopY, s);
+    const printing::Page page(*this);
+    page.guarded("PrintTestPage", [&] { page.paintLogo(impressora, imagens); });
 }
 
 }  // namespace nimbara

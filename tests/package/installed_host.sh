@@ -22,6 +22,20 @@ for hidden in 'nimbara::validation::' 'nimbara::document::' 'nimbara::platform::
   if nm -DC --defined-only "$lib" | grep -q "$hidden"; then echo "internal $hidden symbols are exported" >&2; exit 1; fi
 done
 
+# The printing classes export their public operations and nothing of the page's helpers.
+printing_api='ImpressaoComum|cls_ImpressaoA|cls_Impressao|~ImpressaoComum|~cls_ImpressaoA|~cls_Impressao|operator=|'\
+'printaCaixa|printaCaixaFilled|printacirculo|ValorAlinhado|ApagaValorAlinhado|PrintaParteFixaGuiaExp|'\
+'ImprimeHeaderFooter|PrintTestPage|WriteLog|getImpressaoSetting|SetPageOffsets|log_path|set_log_path|'\
+'set_notifier|log_entries|edition|Imprime_NumPaginas|ReimprimirObservacoes|MyReplaceSpace|PrintaParteDetail|'\
+'PrintaSEParteDetail|CountSEspeciaisComValor|PrintCreatedPDF|Imprime_Parte_Variavel|Calcula_TotalidadePaginas|'\
+'Apaga_RegsUltima_linha|Param_Parametros|Param_Cabecalho|Param_Produto|Param_ServicosEspeciais'
+extra=$(nm -DC --defined-only "$lib" | grep -oE 'nimbara::(ImpressaoComum|cls_ImpressaoA|cls_Impressao)::[~A-Za-z_0-9=]+' |
+        sed 's/^.*:://' | sort -u | grep -vxE "$printing_api" || true)
+[[ -z $extra ]] || { echo "printing helpers are exported:" >&2; echo "$extra" >&2; exit 1; }
+if nm -DC --defined-only "$lib" | grep -qE 'PageDriver|PagePlan|twips[XY]|printAt|paintLogo|RowCombs'; then
+  echo "the page's helpers are exported" >&2; exit 1
+fi
+
 cmake -S "$source/tests/package/host" -B "$work/host" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/host" >/dev/null
 LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/host/host" | grep -qx '5.3.15 0'

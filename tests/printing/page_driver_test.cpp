@@ -123,40 +123,6 @@ TEST(PageDriver, ServiceRowsTakeRowsOfTheirOwn)
     EXPECT_TRUE(at(p.surface, 21, 48.5).empty());
 }
 
-TEST(PageDriver, FormatSwapAndTotal)
-{
-    const auto p = print(guia_of(1, {.product = "C07", .quantity = "1234", .format = "07", .campaign = {}, .tax_quantity = "0"}));
-    EXPECT_EQ(at(p.surface, 90, 42.5), (std::vector<std::string>{"1"})) << "format column";
-    EXPECT_EQ(p.arrays.arrGuia.text(guia::Formato, 0), "07") << "the table keeps its value";
-    ASSERT_EQ(p.symbols.size(), 1u);
-    EXPECT_EQ(p.symbols[0].substr(87, 24), "01C070000200001234011001");
-    const std::vector<std::pair<double, std::string>> digits = {{99.5, "4"}, {95.5, "3"}, {91.5, "2"}, {87.5, "1"}};
-    for (const auto& [x, d] : digits) EXPECT_EQ(at(p.surface, x, 115), std::vector<std::string>{d}) << x;
-}
-
-TEST(PageDriver, CampaignRemarksAndMargins)
-{
-    auto g = guia_of(1);
-    add_line(g, {.campaign = "VERAO"});
-    const auto p = print(g, 10, 5);
-    const auto& s = p.surface;
-    // The remarks are printed again with the campaign of the second row behind the header's.
-    const auto texts = printed_texts(s);
-    EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const PrintedText& t) {
-        return t.text.find("Linha 2- VERAO; ") != std::string::npos;
-    }));
-    // Offsets move the table but not the symbol's right edge.
-    EXPECT_EQ(at(s, 26, 52.5), (std::vector<std::string>{"C01"}));
-    double right = 0, top = 1e9;
-    bool in_symbol = false;
-    for (const auto& c : s.calls()) {
-        if (c.op == "setFontName") in_symbol = c.text.starts_with("PDF417");
-        if (in_symbol && c.op == "Line") right = std::max(right, c.numbers[3]), top = std::min(top, c.numbers[2]);
-    }
-    EXPECT_NEAR(right / 56.7, 261, 1e-9);
-    EXPECT_NEAR(top / 56.7, 12, 1e-9);
-}
-
 TEST(PageDriver, AFaultEndsTheCopyButNotTheJob)
 {
     auto g = guia_of(2);
