@@ -15,6 +15,7 @@ void register_db(CLI::App& app, int& status)
     register_db_export(*db, status);
     register_db_guia(*db, status);
     register_db_client(*db, status);
+    register_db_check(*db, status);
 }
 
 }  // namespace nimbara::cli

@@ -1,0 +1,66 @@
+#include "nimbara/cls_ValProdutos.hpp"
+
+#include <stdexcept>
+
+#include "db_validation/guia_checks.hpp"
+#include "db_validation/line_check.hpp"
+#include "db_validation/rule_cache.hpp"
+#include "nimbara/mdl_Biz.hpp"
+
+namespace nimbara {
+namespace {
+
+ErrorArray generic_error() { return {-100, std::string("Erro Genérico")}; }
+
+}  // namespace
+
+struct cls_ValProdutos::Cache {
+    db_validation::RuleCache rules;
+};
+
+cls_ValProdutos::cls_ValProdutos() : cache_(std::make_unique<Cache>()) {}
+cls_ValProdutos::cls_ValProdutos(std::shared_ptr<Database> db) : db_(std::move(db)), cache_(std::make_unique<Cache>()) {}
+cls_ValProdutos::~cls_ValProdutos() = default;
+cls_ValProdutos::cls_ValProdutos(cls_ValProdutos&&) noexcept = default;
+cls_ValProdutos& cls_ValProdutos::operator=(cls_ValProdutos&&) noexcept = default;
+
+std::shared_ptr<Database> cls_ValProdutos::connection() const
+{
+    auto db = db_ ? db_ : gConn;
+    if (!db) throw DatabaseError("no connection to the database");
+    return db;
+}
+
+ValidationResult cls_ValProdutos::DoValidaProduto(std::string_view strIdProduto, std::string_view strCodZtaxacao,
+                                                  std::int32_t lngPeso, std::string_view strVelocidade,
+                                                  std::string_view strFormato, bool bolPreTratamento,
+                                                  std::string_view strDesconto, std::string_view strCodAmbitoDist,
+                                                  const ListArray& arrServEsp)
+{
+    try {
+        if (!cache_) cache_ = std::make_unique<Cache>();  // after a move
+        const db_validation::RuleTables& rules = cache_->rules.current(connection());
+        return db_validation::validate_table_line(
+            rules, {strIdProduto, strCodZtaxacao, lngPeso, strVelocidade, strFormato, bolPreTratamento, strDesconto,
+                    strCodAmbitoDist, arrServEsp.empty() ? nullptr : &arrServEsp});
+    } catch (const std::exception&) {
+        return generic_error();
+    }
+}
+
+ValidationResult cls_ValProdutos::DoValidaGuia(std::int32_t lngNGuia)
+{
+    try {
+        return db_validation::validate_table_guia(*connection(), lngNGuia);
+    } catch (const std::exception&) {
+        return generic_error();
+    }
+}
+
+void cls_ValProdutos::ValPreparaErro(ValidationResult& arrErr, std::int32_t lngErr,
+                                     std::variant<std::string, ListArray> varDesc)
+{
+    if (!arrErr) arrErr = ErrorArray{lngErr, std::move(varDesc)};
+}
+
+}  // namespace nimbara
