@@ -88,8 +88,6 @@ TEST_P(TwinTest, DiffersFromTheCompiledValidatorWhereItsRulesDiffer)
          "-22 [02]", "passes"},
         {"a sampling code no rule has", "C01", "01", 20, "0", "01", "1", "0", "9", "0",
          "-21 Erro na Entrega Sampling", "passes"},
-        {"02 on C24 without 06: both", "C24", "33", 10, "02", "01", "1", "0", "0", "02",
-         "-16 [06]", "-16 [06]"},
     };
     const cls_ValProdutosA compiled;
     cls_ValProdutos table(db);
