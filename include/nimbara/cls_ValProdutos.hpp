@@ -5,6 +5,7 @@
 //
 // The rule tables are read into memory at the first line and read again only when the database's
 // rule counter says they changed, so that a line costs one small query however many rules it meets.
+// Validators on one thread share what they read of a database.
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -23,9 +24,6 @@ public:
     cls_ValProdutos();
     // On the host's own database.
     explicit cls_ValProdutos(std::shared_ptr<Database> db);
-    ~cls_ValProdutos();
-    cls_ValProdutos(cls_ValProdutos&&) noexcept;
-    cls_ValProdutos& operator=(cls_ValProdutos&&) noexcept;
 
     // Judges one product line: nothing when exactly one active rule of the product accepts every
     // value (both weight bounds included; a rule must offer pre-treatment whatever the line says)
@@ -50,8 +48,6 @@ private:
     std::shared_ptr<Database> connection() const;
 
     std::shared_ptr<Database> db_;  // empty: gConn at each call
-    struct Cache;
-    std::unique_ptr<Cache> cache_;
 };
 
 }  // namespace nimbara

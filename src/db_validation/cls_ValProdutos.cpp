@@ -14,15 +14,8 @@ ErrorArray generic_error() { return {-100, std::string("Erro Genérico")}; }
 
 }  // namespace
 
-struct cls_ValProdutos::Cache {
-    db_validation::RuleCache rules;
-};
-
-cls_ValProdutos::cls_ValProdutos() : cache_(std::make_unique<Cache>()) {}
-cls_ValProdutos::cls_ValProdutos(std::shared_ptr<Database> db) : db_(std::move(db)), cache_(std::make_unique<Cache>()) {}
-cls_ValProdutos::~cls_ValProdutos() = default;
-cls_ValProdutos::cls_ValProdutos(cls_ValProdutos&&) noexcept = default;
-cls_ValProdutos& cls_ValProdutos::operator=(cls_ValProdutos&&) noexcept = default;
+cls_ValProdutos::cls_ValProdutos() = default;
+cls_ValProdutos::cls_ValProdutos(std::shared_ptr<Database> db) : db_(std::move(db)) {}
 
 std::shared_ptr<Database> cls_ValProdutos::connection() const
 {
@@ -38,8 +31,8 @@ ValidationResult cls_ValProdutos::DoValidaProduto(std::string_view strIdProduto,
                                                   const ListArray& arrServEsp)
 {
     try {
-        if (!cache_) cache_ = std::make_unique<Cache>();  // after a move
-        const db_validation::RuleTables& rules = cache_->rules.current(connection());
+        const auto db = connection();
+        const db_validation::RuleTables& rules = db_validation::RuleCache::of(db).current(db);
         return db_validation::validate_table_line(
             rules, {strIdProduto, strCodZtaxacao, lngPeso, strVelocidade, strFormato, bolPreTratamento, strDesconto,
                     strCodAmbitoDist, arrServEsp.empty() ? nullptr : &arrServEsp});

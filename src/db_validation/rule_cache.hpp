@@ -15,6 +15,10 @@ public:
     // The rules as the database holds them now. Throws DatabaseError on the store's failure.
     const RuleTables& current(const std::shared_ptr<Database>& db);
 
+    // The cache of this thread for a database, shared by every validator that works on it here, so
+    // that a host making a validator per Guia does not read the tables each time.
+    static RuleCache& of(const std::shared_ptr<Database>& db);
+
 private:
     std::weak_ptr<Database> source_;
     bool has_counter_ = false;

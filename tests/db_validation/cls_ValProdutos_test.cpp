@@ -2,10 +2,12 @@
 
 #include <random>
 #include <set>
+#include <utility>
 
 #include "nimbara/Schema.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/mdl_Biz.hpp"
 #include "support/per_check_twin.hpp"
 #include "support/test_database.hpp"
 #include "validation/guia_rules.hpp"
@@ -165,9 +167,13 @@ TEST_P(TwinTest, TheFirstPreparedErrorStands)
 
 TEST_P(TwinTest, WithoutADatabaseEveryAnswerIsTheGenericError)
 {
-    cls_ValProdutos none(nullptr);
+    const auto kept = std::exchange(gConn, nullptr);  // the shared connection stands in for a missing one
+    cls_ValProdutos none;
     EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "-100 Erro Genérico");
     EXPECT_EQ(show(none.DoValidaGuia(1)), "-100 Erro Genérico");
+    gConn = db;
+    EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "passes");
+    gConn = kept;
 }
 
 // Random lines, most of them drawn from the codes of one rule so that they get far, judged by the
