@@ -157,14 +157,6 @@ TEST_P(TwinTest, GuiaRulesDifferFromTheCompiledOnes)
     }
 }
 
-TEST_P(TwinTest, TheFirstPreparedErrorStands)
-{
-    ValidationResult e;
-    cls_ValProdutos::ValPreparaErro(e, -3, std::string("first"));
-    cls_ValProdutos::ValPreparaErro(e, -4, ListArray{"02"});
-    EXPECT_EQ(show(e), "-3 first");
-}
-
 TEST_P(TwinTest, WithoutADatabaseEveryAnswerIsTheGenericError)
 {
     const auto kept = std::exchange(gConn, nullptr);  // the shared connection stands in for a missing one
