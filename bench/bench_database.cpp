@@ -1,7 +1,8 @@
 // Saving and loading Guias on each store, beside the old way of one connection per object and one
-// transaction per statement; the browse listing over a generated database of 100,000 Guias with ten
-// lines each. The PostgreSQL runs need the server of scripts/with-postgres
-// (NIMBARA_TEST_PG), as `make bench` starts it; without one they say so and are skipped.
+// transaction per statement; line validation against the rule tables, beside one query per check;
+// the browse listing over a generated database of 100,000 Guias with ten lines each. The PostgreSQL
+// runs need the server of scripts/with-postgres (NIMBARA_TEST_PG), as `make bench` starts it;
+// without one they say so and are skipped.
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -10,10 +11,13 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <optional>
 
 #include "nimbara/Schema.hpp"
 #include "nimbara/cls_Guia.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
+#include "nimbara/cls_ValProdutos.hpp"
+#include "support/per_check_twin.hpp"
 #include "support/sample_entities.hpp"
 
 using namespace nimbara;
@@ -265,6 +269,67 @@ void BM_StreamGuias(benchmark::State& state)
     state.counters["rows/s"] = benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
     state.counters["rows"] = static_cast<double>(rows / static_cast<std::int64_t>(state.iterations()));
     state.counters["peak_rss_MB"] = peak_rss_mb();
+// Lines for the validators: for each active rule, its first code in every dimension and a weight
+// inside its range, with its first service; a few reach -9 or -6, most pass.
+std::vector<nimbara::testing::TwinLine> rule_lines(Database& db)
+{
+    const auto first = [&](const char* table, const char* column, std::int64_t id) {
+        const Recordset rs = db.open(std::string("SELECT ") + column + " FROM " + table + " WHERE CodValidacao = ? ORDER BY " +
+                                         column,
+                                     {id});
+        return rs.IsEOF() ? std::string("0") : rs[std::size_t{0}].text();
+    };
+    std::vector<nimbara::testing::TwinLine> lines;
+    for (Recordset rs = db.open("SELECT * FROM tbl_Validacao WHERE Activo = ? ORDER BY CodValidacao", {true}); !rs.IsEOF();
+         rs.MoveNext()) {
+        const std::int64_t id = rs["CodValidacao"].integer();
+        nimbara::testing::TwinLine l;
+        l.product = rs["Cod_Produto"].text();
+        l.zone = first("tbl_Val_ZTaxacao", "CodZtaxacao", id);
+        l.weight = static_cast<std::int32_t>((rs["C_Escalao_Min"].integer() + rs["C_Escalao_Max"].integer()) / 2);
+        l.speed = first("tbl_Val_Velocidade", "CodVelocidade", id);
+        l.format = first("tbl_Val_Formato", "CodFormato", id);
+        l.pre_treatment = true;
+        l.discount = first("tbl_Val_Desconto", "CodDesconto", id);
+        l.scope = first("tbl_Val_AmbitoDist", "CodAmbitoDist", id);
+        l.services = {first("tbl_Val_ServicoE", "CodServicoE", id)};
+        lines.push_back(std::move(l));
+    }
+    return lines;
+}
+
+// One line a iteration, through the rules read into memory; the rule counter is asked every time.
+// With `one_transaction` the lines are judged inside one reading transaction, as a host judging a Guia at
+// once may: the counter's query then takes no file lock of its own on SQLite.
+void BM_ValidateLineDb(benchmark::State& state, bool postgres, bool one_transaction)
+{
+    if (!ready(state, postgres)) return;
+    const auto db = OpenDatabase(store(postgres).conn());
+    const auto lines = rule_lines(*db);
+    cls_ValProdutos validator(db);
+    std::optional<Transaction> transaction;
+    if (one_transaction) transaction.emplace(*db, TransactionMode::Reading);
+    std::size_t i = 0, passed = 0;
+    for (auto _ : state) {
+        const auto& l = lines[i++ % lines.size()];
+        const auto r = validator.DoValidaProduto(l.product, l.zone, l.weight, l.speed, l.format, l.pre_treatment,
+                                                 l.discount, l.scope, l.services);
+        passed += !r;
+        benchmark::DoNotOptimize(r);
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.counters["passed"] = static_cast<double>(passed) / static_cast<double>(state.iterations());
+}
+
+// The same lines, every check of every candidate rule a query of its own.
+void BM_ValidateLineDbOldWay(benchmark::State& state, bool postgres)
+{
+    if (!ready(state, postgres)) return;
+    const auto db = OpenDatabase(store(postgres).conn());
+    const auto lines = rule_lines(*db);
+    std::size_t i = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(nimbara::testing::per_check_validate_line(*db, lines[i++ % lines.size()]));
+    state.SetItemsProcessed(state.iterations());
 }
 
 // Prints the usual table, then each store's rates and the ratio against the old way.
@@ -283,13 +348,15 @@ public:
     void Finalize() override
     {
         ConsoleReporter::Finalize();
+        struct Measure { const char* what; const char* unit; };
         for (const char* store : {"SQLite", "PostgreSQL"})
-            for (const char* what : {"SaveGuia", "LoadGuia"}) {
+            for (const auto& [what, unit] : {Measure{"SaveGuia", "Guias"}, Measure{"LoadGuia", "Guias"},
+                                             Measure{"ValidateLineDb", "lines"}}) {
                 const auto now = rates_.find(std::string("BM_") + what + "/" + store);
                 const auto old = rates_.find(std::string("BM_") + what + "OldWay/" + store);
                 if (now == rates_.end() || old == rates_.end() || old->second <= 0) continue;
-                std::cout << what << " on " << store << ": " << static_cast<long long>(now->second)
-                          << " Guias/s, the old way " << static_cast<long long>(old->second) << " Guias/s, ratio "
+                std::cout << what << " on " << store << ": " << static_cast<long long>(now->second) << " " << unit
+                          << "/s, the old way " << static_cast<long long>(old->second) << " " << unit << "/s, ratio "
                           << now->second / old->second << "x\n";
             }
     }
@@ -309,6 +376,13 @@ int main(int argc, char** argv)
         benchmark::RegisterBenchmark(("BM_SaveGuiaOldWay" + store).c_str(), BM_SaveGuiaOldWay, postgres)->UseRealTime();
         benchmark::RegisterBenchmark(("BM_LoadGuia" + store).c_str(), BM_LoadGuia, postgres)->UseRealTime();
         benchmark::RegisterBenchmark(("BM_LoadGuiaOldWay" + store).c_str(), BM_LoadGuiaOldWay, postgres)->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_ValidateLineDb" + store).c_str(), BM_ValidateLineDb, postgres, false)
+            ->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_ValidateLineDb" + store + "/one_transaction").c_str(), BM_ValidateLineDb,
+                                     postgres, true)
+            ->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_ValidateLineDbOldWay" + store).c_str(), BM_ValidateLineDbOldWay, postgres)
+            ->UseRealTime();
     }
     // One client and one month: about forty lines, found through the indexes; then every line, in
     // the default order of client and Guia: a million rows read into the result.

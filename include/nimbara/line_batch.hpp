@@ -1,10 +1,15 @@
 #pragma once
 // The line batch of check-lines: the ten arguments of DoValidaProduto per line, tab-separated.
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <istream>
 #include <ostream>
+#include <span>
 #include <string>
+#include <string_view>
 
+#include "nimbara/error_array.hpp"
 #include "nimbara/export.hpp"
 
 namespace nimbara {
@@ -19,5 +24,23 @@ struct BatchSummary {
 // refused line to `err`, prefixed with `source` and the line number. A read error of `in` ends the
 // batch and is reported to `err` as well.
 NIMBARA_API BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream& err, const std::string& source);
+
+// One row of a batch: its ten fields as written, the weight (the third) already read.
+struct BatchRow {
+    std::span<const std::string_view> fields;
+    std::int32_t weight = 0;
+};
+
+// Judges a row. Throws std::invalid_argument, whose text says why, for a field it cannot take; the
+// row is then refused as a malformed one is.
+using BatchJudge = std::function<ValidationResult(const BatchRow&)>;
+
+// A result as a batch writes it: "0", or the error number, a tab and the description, a list of
+// service codes joined with ",".
+NIMBARA_API std::string batch_result_text(const ValidationResult& result);
+
+// As above, with another validator as the judge.
+NIMBARA_API BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream& err,
+                                          const std::string& source, const BatchJudge& judge);
 
 }  // namespace nimbara

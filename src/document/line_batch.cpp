@@ -1,6 +1,7 @@
 #include "nimbara/line_batch.hpp"
 
 #include <array>
+#include <stdexcept>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -13,8 +14,12 @@ namespace {
 
 constexpr std::size_t kFields = 10;
 
-std::string describe(const ErrorArray& e)
+}  // namespace
+
+std::string batch_result_text(const ValidationResult& result)
 {
+    if (!result) return "0";
+    const ErrorArray& e = *result;
     std::string out = std::to_string(e.number) + '\t';
     if (const auto* list = std::get_if<ListArray>(&e.description)) {
         for (std::size_t i = 0; i < list->size(); ++i) out += (i ? "," : "") + (*list)[i];
@@ -24,11 +29,18 @@ std::string describe(const ErrorArray& e)
     return out;
 }
 
-}  // namespace
-
 BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream& err, const std::string& source)
 {
     const cls_ValProdutosA validator;
+    return check_line_batch(in, out, err, source, [&validator](const BatchRow& row) {
+        const auto& f = row.fields;
+        return validator.DoValidaProduto(f[0], f[1], row.weight, f[3], f[4], f[5], f[6], f[7], f[8], f[9]);
+    });
+}
+
+BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream& err, const std::string& source,
+                              const BatchJudge& judge)
+{
     BatchSummary summary;
     std::string line;
     std::vector<std::string_view> fields;
@@ -53,16 +65,21 @@ BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream&
         } else if (weight = read_weight(fields[2]); !weight) {
             reason = "weight \"" + std::string(fields[2]) + "\" is not a 32-bit whole number";
         }
+        ValidationResult result;
+        if (reason.empty()) {
+            try {
+                result = judge(BatchRow{fields, *weight});
+            } catch (const std::invalid_argument& e) {
+                reason = e.what();
+            }
+        }
         if (!reason.empty()) {
             ++summary.refused;
             out << '!' << reason << '\n';
             err << source << ':' << summary.lines << ": " << reason << '\n';
             continue;
         }
-
-        const auto result = validator.DoValidaProduto(fields[0], fields[1], *weight, fields[3], fields[4], fields[5],
-                                                      fields[6], fields[7], fields[8], fields[9]);
-        out << (result ? describe(*result) : std::string("0")) << '\n';
+        out << batch_result_text(result) << '\n';
     }
     if (in.bad()) {
         summary.read_failed = true;

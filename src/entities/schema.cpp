@@ -1,5 +1,6 @@
 #include "nimbara/Schema.hpp"
 
+#include "entities/rule_counter.hpp"
 #include "entities/schema_tables.hpp"
 
 namespace nimbara {
@@ -13,6 +14,8 @@ void CreateSchema(Database& db)
     Transaction transaction(db);
     for (const auto& statement : entities::schema_statements()) db.execute(statement);
     entities::seed_schema(db);
+    // After the seed, so that the counter starts at 1 rather than at the number of seeded rows.
+    for (const auto& statement : entities::rule_counter_statements(db.kind())) db.execute(statement);
     transaction.commit();
 }
 

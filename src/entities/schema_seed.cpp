@@ -104,6 +104,7 @@ void seed_schema(Database& db)
                "ApplyTilde) VALUES (1, ?, ?, ?, '0', ?, ?, '0', '0')",
                {kFactoryColumns, kFactoryRows, kFactoryErrorLevel, kFactoryRatio, kFactoryFontSize});
     db.execute("INSERT INTO schema_version (version) VALUES (?)", {kSchemaVersion});
+    db.execute("INSERT INTO tbl_Val_Versao (Contador) VALUES (1)");
 }
 
 }  // namespace nimbara::entities

@@ -114,6 +114,7 @@ const std::vector<Table>& tables()
         {"tbl_Val_AmbitoDist", rule_dimension("CodAmbitoDist"), "CodValidacao, CodAmbitoDist"},
         {"tbl_Val_ServicoE", rule_dimension("CodServicoE"), "CodValidacao, CodServicoE"},
         {"schema_version", {{"version", kLong}}, nullptr},
+        {"tbl_Val_Versao", {{"Contador", kLong}}, nullptr},
     };
     return t;
 }

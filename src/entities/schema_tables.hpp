@@ -13,7 +13,7 @@ std::vector<std::string> schema_statements();
 // The names of the tables the statements create; a database holding any of them has the schema.
 const std::vector<std::string>& schema_table_names();
 
-// Fills the reference lists, the rule tables, TAB_CONFIG and schema_version.
+// Fills the reference lists, the rule tables, TAB_CONFIG, schema_version and the rule counter.
 void seed_schema(Database& db);
 
 }  // namespace nimbara::entities

@@ -1,14 +1,10 @@
 // nimbara check-lines [FILE]: judges a batch of product lines, one result line per input line.
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
 #include <memory>
 #include <string>
 
 #include "commands.hpp"
-#include "nimbara/line_batch.hpp"
+#include "line_batch_command.hpp"
+#include "nimbara/cls_ValProdutosA.hpp"
 
 namespace nimbara::cli {
 
@@ -22,25 +18,11 @@ void register_check_lines(CLI::App& app, int& status)
     cmd->footer("Exit status: 0 every row was judged (failing lines included), 2 a row could not be judged or the "
                 "input could not be read.\nExample:\n  nimbara check-lines examples/lines.tsv");
     cmd->callback([file, &status] {
-        std::ifstream stream;
-        std::istream* in = &std::cin;
-        std::string source = "<stdin>";
-        if (!file->empty() && *file != "-") {
-            stream.open(*file, std::ios::binary);
-            if (!stream || std::filesystem::is_directory(*file)) {
-                std::cerr << "nimbara check-lines: cannot open " << *file << ": "
-                          << (stream ? "is a folder" : std::strerror(errno)) << '\n';
-                status = 2;
-                return;
-            }
-            in = &stream;
-            source = *file;
-        }
-        std::ios::sync_with_stdio(false);
-        std::cin.tie(nullptr);  // a flush of the answers for every line read would cost more than the check
-        const BatchSummary summary = check_line_batch(*in, std::cout, std::cerr, source);
-        std::cout.flush();
-        if (summary.refused > 0 || summary.read_failed) status = 2;
+        const cls_ValProdutosA validator;
+        status = run_line_batch("check-lines", *file, [&validator](const BatchRow& row) {
+            const auto& f = row.fields;
+            return validator.DoValidaProduto(f[0], f[1], row.weight, f[3], f[4], f[5], f[6], f[7], f[8], f[9]);
+        });
     });
 }
 

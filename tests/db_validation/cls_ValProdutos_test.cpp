@@ -1,0 +1,269 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+#include <utility>
+
+#include "nimbara/Schema.hpp"
+#include "nimbara/cls_ValProdutos.hpp"
+#include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/mdl_Biz.hpp"
+#include "support/per_check_twin.hpp"
+#include "support/test_database.hpp"
+#include "validation/guia_rules.hpp"
+
+using namespace nimbara;
+using nimbara::testing::kBothStores;
+using nimbara::testing::per_check_validate_line;
+using nimbara::testing::store_name;
+using nimbara::testing::StoreTest;
+using nimbara::testing::TwinLine;
+
+namespace {
+
+ListArray split(const std::string& text)
+{
+    ListArray list;
+    for (std::size_t start = 0; !text.empty();) {
+        const auto comma = text.find(',', start);
+        list.push_back(text.substr(start, comma - start));
+        if (comma == std::string::npos) break;
+        start = comma + 1;
+    }
+    return list;
+}
+
+std::string show(const ValidationResult& r)
+{
+    if (!r) return "passes";
+    std::string text = std::to_string(r->number) + " ";
+    if (const auto* list = std::get_if<ListArray>(&r->description))
+        for (const auto& code : *list) text += "[" + code + "]";
+    else
+        text += std::get<std::string>(r->description);
+    return text;
+}
+
+class TwinTest : public StoreTest {
+protected:
+    void SetUp() override
+    {
+        StoreTest::SetUp();
+        if (IsSkipped() || HasFailure()) return;
+        create_schema();
+    }
+
+    ValidationResult twin(cls_ValProdutos& v, const TwinLine& l)
+    {
+        return v.DoValidaProduto(l.product, l.zone, l.weight, l.speed, l.format, l.pre_treatment, l.discount, l.scope,
+                                 l.services);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Stores, TwinTest, kBothStores, store_name);
+
+}  // namespace
+
+TEST_P(TwinTest, DiffersFromTheCompiledValidatorWhereItsRulesDiffer)
+{
+    // Rule 33 (C20) gets a pre-treatment row, so that the service rules are reached on it.
+    db->execute("INSERT INTO tbl_Val_PreTratamento (CodValidacao, Pre_Tratamento) VALUES (33, 0)");
+    struct Case {
+        const char* what;
+        const char* product; const char* zone; int weight; const char* speed; const char* format;
+        const char* pre; const char* discount; const char* sampling; const char* services;
+        std::string compiled, table;
+    };
+    const Case cases[] = {
+        {"a weight on the bound of two steps", "C01", "01", 50, "0", "02", "1", "0", "0", "0",
+         "passes", "-9 Existem diversas regras de validação de serviços"},
+        {"weight 0 under a minimum of 0", "C01", "01", 0, "0", "01", "1", "0", "0", "0",
+         "-3 Erro na Validação do Peso", "passes"},
+        {"an unknown product", "X99", "01", 10, "0", "01", "1", "0", "0", "0",
+         "-100 Ocorreu um erro na leitura do XML", "-1 Não Existem Regras de Validação"},
+        {"no pre-treatment asked of a rule without it", "C27", "01", 10, "02", "0", "0", "0", "0", "0",
+         "passes", "-6 Erro no Pre-tratamento"},
+        {"05 alone does not call for 06", "C20", "01", 10, "0", "0", "0", "0", "0", "05",
+         "-11 [06]", "passes"},
+        {"04 with 05", "C13", "01", 10, "0", "03", "1", "02", "0", "04,05",
+         "-24 [04][05]", "passes"},
+        {"10 without 02 on C13", "C13", "01", 10, "0", "03", "1", "02", "0", "10,07",
+         "-22 [02]", "passes"},
+        {"a sampling code no rule has", "C01", "01", 20, "0", "01", "1", "0", "9", "0",
+         "-21 Erro na Entrega Sampling", "passes"},
+    };
+    const cls_ValProdutosA compiled;
+    cls_ValProdutos table(db);
+    for (const auto& c : cases) {
+        EXPECT_EQ(show(compiled.DoValidaProduto(c.product, c.zone, c.weight, c.speed, c.format, c.pre, c.discount, "0",
+                                                c.sampling, c.services)),
+                  c.compiled)
+            << c.what;
+        EXPECT_EQ(show(table.DoValidaProduto(c.product, c.zone, c.weight, c.speed, c.format, std::string(c.pre) != "0",
+                                             c.discount, "0", split(c.services))),
+                  c.table)
+            << c.what;
+    }
+}
+
+TEST_P(TwinTest, GuiaRulesDifferFromTheCompiledOnes)
+{
+    struct Row { int n_req; const char* product; const char* zone; int quantity; };
+    struct Case {
+        const char* what;
+        std::vector<Row> rows;  // the working table; the Guia judged is number 1
+        std::string compiled, table;  // no compiled answer where the compiled validator sees one Guia only
+    };
+    const Case cases[] = {
+        {"C03 of 300 in zone 01", {{1, "C03", "01", 300}}, "passes",
+         "-1 Erro Minimo de 500 Objectos"},
+        {"C03 sums over every Guia of the table", {{1, "C03", "01", 300}, {2, "C03", "05", 200}}, "",
+         "passes"},
+        {"C07 of 60 in zones 01 and 02", {{1, "C07", "01", 60}, {1, "C07", "02", 60}},
+         "-2 Erro Minimo de 100 Objectos, para correio nacional", "passes"},
+        {"C42 below its minimum", {{1, "C42", "01", 10}}, "-10 Erro Minimo de 100 Objectos", "passes"},
+        {"C21 and C23 short: the first in order", {{1, "C23", "01", 10}, {1, "C21", "01", 10}},
+         "-3 Erro Minimo de 100 Objectos", "-3 Erro Minimo de 100 Objectos"},
+        {"C21 short only in the other Guia", {{1, "C01", "01", 10}, {2, "C21", "01", 10}}, "",
+         "-3 Erro Minimo de 100 Objectos"},
+        {"an insert after its carrier", {{1, "C05", "01", 10}, {1, "C25", "01", 10}}, "passes", "passes"},
+        {"an insert of another quantity", {{1, "C05", "01", 10}, {1, "C25", "01", 11}}, "-6 Erro Validação",
+         "-6 Erro Validação"},
+        {"an insert first", {{1, "C25", "01", 10}}, "-8 Erro Não Existem Produtos Associados ao C25",
+         "-8 Erro Não Existem Produtos Associados ao C25"},
+        {"an empty working table", {}, "passes", "passes"},
+    };
+    cls_ValProdutos table(db);
+    for (const auto& c : cases) {
+        db->execute("DELETE FROM Tbl_Temp_Val_Guia");
+        guia::Table lines;
+        int line = 0;
+        for (const auto& r : c.rows) {
+            db->execute("INSERT INTO Tbl_Temp_Val_Guia (N_Req, A_Zona_Taxacao, B_Produto, E_Velocidade, D_Quantidade, "
+                        "N_Linha) VALUES (?, ?, ?, '0', ?, ?)",
+                        {r.n_req, r.zone, r.product, r.quantity, ++line});
+            if (r.n_req != 1) continue;
+            const int row = lines.add_row();
+            lines.set(guia::A_Zona_Taxacao, row, r.zone);
+            lines.set(guia::B_Produto, row, r.product);
+            lines.set(guia::E_Velocidade, row, "0");
+            lines.set(guia::D_Quantidade, row, std::to_string(r.quantity));
+        }
+        if (!c.compiled.empty()) {
+            cab::Table header;
+            header.set(cab::TipoAcesso, 0, "0");
+            EXPECT_EQ(show(validation::DoValidaGuia(lines, header)), c.compiled) << c.what;
+        }
+        EXPECT_EQ(show(table.DoValidaGuia(1)), c.table) << c.what;
+    }
+}
+
+TEST_P(TwinTest, WithoutADatabaseEveryAnswerIsTheGenericError)
+{
+    const auto kept = std::exchange(gConn, nullptr);  // the shared connection stands in for a missing one
+    cls_ValProdutos none;
+    EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "-100 Erro Genérico");
+    EXPECT_EQ(show(none.DoValidaGuia(1)), "-100 Erro Genérico");
+    gConn = db;
+    EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "passes");
+    gConn = kept;
+}
+
+// Random lines, most of them drawn from the codes of one rule so that they get far, judged by the
+// validator and by the per-check queries, while the tables change under the same validator.
+TEST_P(TwinTest, AnswersAsThePerCheckQueriesDoWhileTheTablesChange)
+{
+    std::mt19937 random(20261124);
+    const auto pick = [&](const std::vector<std::string>& from) {
+        return from[std::uniform_int_distribution<std::size_t>(0, from.size() - 1)(random)];
+    };
+    const auto codes = [&](const std::string& table, const std::string& column, const std::string& where = "") {
+        std::vector<std::string> out;
+        for (Recordset rs = db->open("SELECT DISTINCT " + column + " AS c FROM " + table + where); !rs.IsEOF(); rs.MoveNext())
+            out.push_back(rs["c"].text());
+        out.push_back("X");  // a code no rule has
+        return out;
+    };
+    const auto of_rule = [&](const std::string& table, const std::string& column, const std::string& id) {
+        return codes(table, column, " WHERE CodValidacao = " + id);
+    };
+
+    const auto sample = [&](const std::string& product_filter) {
+        std::vector<TwinLine> lines;
+        const auto ids = codes("tbl_Validacao", "CodValidacao", product_filter);
+        const auto zones = codes("tbl_Val_ZTaxacao", "CodZtaxacao"), speeds = codes("tbl_Val_Velocidade", "CodVelocidade");
+        const auto formats = codes("tbl_Val_Formato", "CodFormato"), discounts = codes("tbl_Val_Desconto", "CodDesconto");
+        const auto scopes = codes("tbl_Val_AmbitoDist", "CodAmbitoDist");
+        const std::vector<std::string> services = {"0", "01", "02", "03", "04", "05", "06", "07", "10", "11", "13", ""};
+        for (int i = 0; i < 60; ++i) {
+            std::string id = pick(ids);
+            if (id == "X") id = ids.front();
+            const Recordset rule = db->open("SELECT * FROM tbl_Validacao WHERE CodValidacao = " + id);
+            const bool near = std::uniform_int_distribution<int>(0, 9)(random) < 8;
+            const auto choose = [&](const std::string& table, const std::string& column, const auto& any) {
+                return near ? pick(of_rule(table, column, id)) : pick(any);
+            };
+            TwinLine l;
+            l.product = std::uniform_int_distribution<int>(0, 19)(random) ? rule["Cod_Produto"].text() : "X99";
+            l.zone = choose("tbl_Val_ZTaxacao", "CodZtaxacao", zones);
+            const int bounds[] = {static_cast<int>(rule["C_Escalao_Min"].integer()),
+                                  static_cast<int>(rule["C_Escalao_Max"].integer())};
+            l.weight = bounds[i % 2] + std::uniform_int_distribution<int>(-1, 1)(random);
+            l.speed = choose("tbl_Val_Velocidade", "CodVelocidade", speeds);
+            l.format = choose("tbl_Val_Formato", "CodFormato", formats);
+            l.pre_treatment = i % 3 == 0;
+            l.discount = choose("tbl_Val_Desconto", "CodDesconto", discounts);
+            l.scope = choose("tbl_Val_AmbitoDist", "CodAmbitoDist", scopes);
+            for (int n = std::uniform_int_distribution<int>(0, 3)(random); n > 0; --n) l.services.push_back(pick(services));
+            lines.push_back(l);
+        }
+        return lines;
+    };
+
+    struct Step {
+        const char* what;
+        std::vector<std::string> statements;
+        const char* focus;  // the rules half of the lines are drawn from
+    };
+    const std::string yes(db->boolean_literal(true)), no(db->boolean_literal(false));
+    const Step steps[] = {
+        {"the seeded tables", {}, ""},
+        {"a rule deactivated", {"UPDATE tbl_Validacao SET Activo = " + no + " WHERE CodValidacao = 1"},
+         " WHERE Cod_Produto = 'C01'"},
+        {"an overlapping rule added",
+         {"INSERT INTO tbl_Validacao VALUES (900, 'C01', " + yes + ", 40, 60)",
+          "INSERT INTO tbl_Val_ZTaxacao VALUES (900, '01')", "INSERT INTO tbl_Val_Velocidade VALUES (900, '0')",
+          "INSERT INTO tbl_Val_Formato VALUES (900, '02')", "INSERT INTO tbl_Val_PreTratamento VALUES (900, 1)",
+          "INSERT INTO tbl_Val_Desconto VALUES (900, '0')", "INSERT INTO tbl_Val_AmbitoDist VALUES (900, '0')",
+          "INSERT INTO tbl_Val_ServicoE VALUES (900, '02')"},
+         " WHERE Cod_Produto = 'C01'"},
+        {"rows removed", {"DELETE FROM tbl_Val_Formato WHERE CodValidacao = 2", "DELETE FROM tbl_Val_ServicoE WHERE CodValidacao = 14"},
+         " WHERE Cod_Produto IN ('C01', 'C06')"},
+        {"a rule reactivated", {"UPDATE tbl_Validacao SET Activo = " + yes + " WHERE CodValidacao = 1"},
+         " WHERE Cod_Produto = 'C01'"},
+        {"the counter moved alone", {"UPDATE tbl_Val_Versao SET Contador = Contador + 5"}, ""},
+    };
+    cls_ValProdutos validator(db);
+    for (const auto& step : steps) {
+        for (const auto& sql : step.statements) db->execute(sql);
+        auto lines = sample("");
+        if (*step.focus) {
+            auto focused = sample(step.focus);
+            lines.insert(lines.end(), focused.begin(), focused.end());
+        }
+        std::set<int> outcomes;
+        for (const auto& l : lines) {
+            const auto expected = per_check_validate_line(*db, l);
+            ASSERT_EQ(show(twin(validator, l)), show(expected))
+                << step.what << ": " << l.product << " " << l.zone << " " << l.weight << " " << l.speed << " "
+                << l.format << " " << l.pre_treatment << " " << l.discount << " " << l.scope;
+            outcomes.insert(expected ? expected->number : 0);
+        }
+        EXPECT_GE(outcomes.size(), 5u) << step.what << ": the lines should reach several checks";
+    }
+
+    // A database made before the counter existed: the tables are read at every call.
+    db->execute("DROP TABLE tbl_Val_Versao");
+    cls_ValProdutos without_counter(db);
+    for (const auto& l : sample(""))
+        ASSERT_EQ(show(twin(without_counter, l)), show(per_check_validate_line(*db, l))) << "without the counter";
+}

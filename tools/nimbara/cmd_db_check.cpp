@@ -1,0 +1,111 @@
+// nimbara db check N_REQ | db check-lines [FILE]: product lines and Guias judged against the rule
+// tables of the database, as a host of the database road judges them.
+#include <charconv>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "commands.hpp"
+#include "db_command.hpp"
+#include "line_batch_command.hpp"
+#include "nimbara/cls_Guia_Cabecalho.hpp"
+#include "nimbara/cls_ValProdutos.hpp"
+#include "nimbara/guia_file.hpp"
+
+namespace nimbara::cli {
+namespace {
+
+struct CheckOptions {
+    std::string conn;
+    std::int32_t n_req = 0;
+    std::string file;
+};
+
+// The services of a line as the batch writes them, codes joined by ","; the empty text is no list.
+ListArray split_services(std::string_view text)
+{
+    ListArray list;
+    if (text.empty()) return list;
+    for (std::size_t start = 0;;) {
+        const auto comma = text.find(',', start);
+        list.emplace_back(text.substr(start, comma == std::string_view::npos ? comma : comma - start));
+        if (comma == std::string_view::npos) return list;
+        start = comma + 1;
+    }
+}
+
+int check_guia(const CheckOptions& o)
+{
+    const auto db = open_command_database(o.conn);
+    if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
+        throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    cls_Guia_Cabecalho guia(db);
+    guia.SelectMe(o.n_req);
+    guia.DoRemoveValTemp();
+    if (!guia.LastError().empty()) throw CommandError("the working table could not be emptied: " + guia.LastError());
+    guia.DoInsertValTemp();
+    if (!guia.LastError().empty()) throw CommandError("the Guia could not be copied for checking: " + guia.LastError());
+
+    cls_ValProdutos validator(db);
+    bool passed = true;
+    for (std::size_t i = 1; i <= guia.mColLinha.Count(); ++i) {
+        const cls_Guia_Linha& l = guia.mColLinha.Item(i);
+        ListArray services;
+        for (std::size_t s = 1; s <= l.mColSEspecial.Count(); ++s)
+            services.push_back(l.mColSEspecial.Item(s).vCodigoServicoEspecial);
+        const auto result = validator.DoValidaProduto(l.vB_Produto, l.vA_Zona_Taxacao, l.vC_Escalao, l.vE_Velocidade,
+                                                      l.vF_Formato, l.vG_Pre_Tratamento > 0, l.vH_Descontos,
+                                                      l.vN_Ambito_Distrib, services);
+        passed = passed && !result;
+        std::cout << batch_result_text(result) << '\n';
+    }
+    const auto result = validator.DoValidaGuia(o.n_req);
+    std::cout << batch_result_text(result) << '\n';
+    return passed && !result ? 0 : 1;
+}
+
+ValidationResult judge_row(cls_ValProdutos& validator, const BatchRow& row)
+{
+    const auto& f = row.fields;
+    const auto pre_treatment = read_weight(f[5]);
+    if (!pre_treatment) throw std::invalid_argument("pre-treatment \"" + std::string(f[5]) + "\" is not a whole number");
+    // The sampling column (f[8]) is read and not used: the rule tables have no sampling dimension.
+    return validator.DoValidaProduto(f[0], f[1], row.weight, f[3], f[4], *pre_treatment > 0, f[6], f[7],
+                                     split_services(f[9]));
+}
+
+}  // namespace
+
+void register_db_check(CLI::App& db, int& status)
+{
+    auto o = std::make_shared<CheckOptions>();
+    auto* check = db.add_subcommand("check", "Check a stored Guia against the rule tables of the database: one "
+                                             "result per line, then the Guia's");
+    check->add_option("N_REQ", o->n_req, "The Guia's number")->required();
+    add_db_option(*check, o->conn);
+    check->footer("Each result is 0, or the error number, a tab and its description. Tbl_Temp_Val_Guia is emptied "
+                  "and left holding this Guia.\nExit status: 0 all passed, 1 a line or the Guia failed, 2 no such "
+                  "Guia or the database could not be read.");
+    check->callback([o, &status] { status = run_db_command("check", std::cerr, [&] { return check_guia(*o); }); });
+
+    auto* lines = db.add_subcommand("check-lines", "Validate product lines against the rule tables of the database; "
+                                                   "the same rows and results as check-lines");
+    lines->add_option("FILE", o->file, "The batch file; standard input when omitted or -");
+    add_db_option(*lines, o->conn);
+    lines->footer("The sampling column is read and ignored; a pre-treatment above 0 is selected.\nExit status: 0 every "
+                  "row was judged (failing lines included), 2 a row could not be judged, the input could not be "
+                  "read or the database could not be opened.");
+    lines->callback([o, &status] {
+        status = run_db_command("check-lines", std::cerr, [&] {
+            const auto db = open_command_database(o->conn);
+            cls_ValProdutos validator(db);
+            // The whole batch is judged against one state of the rule tables, read once.
+            Transaction reading(*db, TransactionMode::Reading);
+            return run_line_batch("db check-lines", o->file,
+                                  [&validator](const BatchRow& row) { return judge_row(validator, row); });
+        });
+    });
+}
+
+}  // namespace nimbara::cli
