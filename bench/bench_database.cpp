@@ -269,6 +269,8 @@ void BM_StreamGuias(benchmark::State& state)
     state.counters["rows/s"] = benchmark::Counter(static_cast<double>(rows), benchmark::Counter::kIsRate);
     state.counters["rows"] = static_cast<double>(rows / static_cast<std::int64_t>(state.iterations()));
     state.counters["peak_rss_MB"] = peak_rss_mb();
+}
+
 // Lines for the validators: for each active rule, its first code in every dimension and a weight
 // inside its range, with its first service; a few reach -9 or -6, most pass.
 std::vector<nimbara::testing::TwinLine> rule_lines(Database& db)
