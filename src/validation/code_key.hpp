@@ -22,4 +22,8 @@ inline std::optional<CodeKey> code_key(std::string_view code)
     return key | bytes;
 }
 
+// Keys of different kinds (a zone, a speed, a product ...) share one table when each kind sets the top
+// four bits, which no key uses: its length takes bits 56 to 58.
+inline constexpr CodeKey tagged(CodeKey key, unsigned kind) { return key | (static_cast<CodeKey>(kind & 0xF) << 60); }
+
 }  // namespace nimbara::validation
