@@ -57,7 +57,10 @@ void BM_ValidateLine(benchmark::State& state)
     const auto& mix = line_mix();
     const auto& index = nimbara::validation::RuleCatalogue::compiled().index();
     std::size_t i = 0;
-    for (auto _ : state) benchmark::DoNotOptimize(nimbara::validation::check_line(index, mix[i++ % mix.size()]));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(nimbara::validation::check_line(index, mix[i]));
+        i = i + 1 == mix.size() ? 0 : i + 1;  // a division here would cost a fair share of a line
+    }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 BENCHMARK(BM_ValidateLine);
@@ -137,8 +140,24 @@ protected:
     int_type overflow(int_type c) override { return traits_type::not_eof(c); }
 };
 
+// Reads a text in place, so that no copy of the input is measured with the batch.
+class ViewBuffer : public std::streambuf {
+public:
+    explicit ViewBuffer(const std::string& text)
+    {
+        char* begin = const_cast<char*>(text.data());  // only ever read
+        setg(begin, begin, begin + text.size());
+    }
+};
+
+struct ViewStream : std::istream {
+    explicit ViewStream(const std::string& text) : std::istream(nullptr), buffer(text) { rdbuf(&buffer); }
+    ViewBuffer buffer;
+};
+
 void run_batch(benchmark::State& state, const std::function<std::unique_ptr<std::istream>()>& open)
 {
+    batch_text();  // made once, before the clock runs
     DiscardBuffer discard;
     std::ostream out(&discard), err(&discard);
     std::size_t lines = 0;
@@ -152,7 +171,7 @@ void run_batch(benchmark::State& state, const std::function<std::unique_ptr<std:
 // check-lines over a million lines held in memory.
 void BM_CheckLines(benchmark::State& state)
 {
-    run_batch(state, [] { return std::make_unique<std::istringstream>(batch_text()); });
+    run_batch(state, [] { return std::make_unique<ViewStream>(batch_text()); });
 }
 BENCHMARK(BM_CheckLines)->Unit(benchmark::kMillisecond);
 
@@ -174,8 +193,9 @@ void BM_CheckLinesLineByLine(benchmark::State& state)
     std::ostream out(&discard);
     const nimbara::cls_ValProdutosA validator;
     std::size_t lines = 0;
+    batch_text();
     for (auto _ : state) {
-        std::istringstream in(batch_text());
+        ViewStream in(batch_text());
         std::string line;
         std::vector<std::string_view> f;
         while (std::getline(in, line)) {

@@ -31,19 +31,24 @@ std::string_view weight_error_text(int code)
 // Product service codes -1..-6 map to -11..-16 and -7..-9 to -22..-24.
 std::int32_t product_service_error_number(int code) { return code >= -6 ? code - 10 : code - 15; }
 
-// The pre-treatment as a 16-bit number. Plain digits, as lines carry it, are read on the spot; any
-// other text takes the general conversion, which answers alike for digits.
-std::optional<std::int16_t> pre_treatment_number(std::string_view text)
+enum class PreTreatment { NotSelected, Selected, NoNumber };
+
+// The pre-treatment read as a 16-bit number. Plain digits, as lines carry them, are read on the spot;
+// any other text takes the general conversion, which answers alike for digits.
+PreTreatment pre_treatment_of(std::string_view text)
 {
-    if (!text.empty() && text.size() <= 4) {
-        int value = 0;
-        for (const char c : text) {
-            if (c < '0' || c > '9') return text::to_int16(text);
-            value = value * 10 + (c - '0');
-        }
-        return static_cast<std::int16_t>(value);
+    bool digits = !text.empty() && text.size() <= 4;
+    int value = 0;
+    for (std::size_t i = 0; digits && i < text.size(); ++i) {
+        digits = text[i] >= '0' && text[i] <= '9';
+        value = value * 10 + (text[i] - '0');
     }
-    return text::to_int16(text);
+    if (!digits) {
+        const auto number = text::to_int16(text);
+        if (!number) return PreTreatment::NoNumber;
+        value = *number;
+    }
+    return value > 0 ? PreTreatment::Selected : PreTreatment::NotSelected;
 }
 
 // The line's services split at the commas, kept on the stack for the usual handful.
@@ -52,13 +57,14 @@ public:
     explicit SplitServices(std::string_view text)
     {
         if (text.empty()) return;  // no list at all, which is not an empty list
+        // Codes are a few characters long: a plain scan beats a search call per code.
         std::size_t start = 0;
-        while (true) {
-            const auto comma = text.find(',', start);
-            add(text.substr(start, comma == std::string_view::npos ? comma : comma - start));
-            if (comma == std::string_view::npos) break;
-            start = comma + 1;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] != ',') continue;
+            add(text.substr(start, i - start));
+            start = i + 1;
         }
+        add(text.substr(start));
         present_ = true;
     }
 
@@ -80,7 +86,7 @@ private:
         more_.push_back(code);
     }
 
-    std::array<std::string_view, 16> few_;
+    std::array<std::string_view, 8> few_;
     std::size_t count_ = 0;
     std::vector<std::string_view> more_;
     bool present_ = false;
@@ -125,8 +131,8 @@ WeightVerdict DoValPeso(const RuleIndex& index, const IndexedRule& rule, std::in
 
 LineVerdict check_line(const RuleIndex& index, const LineInput& line)
 {
-    const auto pre_treatment = pre_treatment_number(line.pre_treatment);
-    if (!pre_treatment) return fail(-100, kReadError);
+    const PreTreatment pre_treatment = pre_treatment_of(line.pre_treatment);
+    if (pre_treatment == PreTreatment::NoNumber) return fail(-100, kReadError);
 
     const RuleIndex::Product* product = index.product(line.product);
     if (product == nullptr) return fail(-100, kReadError);
@@ -157,7 +163,7 @@ LineVerdict check_line(const RuleIndex& index, const LineInput& line)
     alive &= index.accepting(*product, Dimension::Format, line.format);
     if (alive == 0) return fail(-5, "Erro no Formato");
 
-    if (*pre_treatment > 0) {
+    if (pre_treatment == PreTreatment::Selected) {
         alive &= product->pre_treatment;
         if (alive == 0) return fail(-6, "Erro no Pre-tratamento");
     }
