@@ -6,6 +6,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "commands.hpp"
 #include "nimbara/line_batch.hpp"
@@ -22,10 +23,12 @@ void register_check_lines(CLI::App& app, int& status)
     cmd->footer("Exit status: 0 every row was judged (failing lines included), 2 a row could not be judged or the "
                 "input could not be read.\nExample:\n  nimbara check-lines examples/lines.tsv");
     cmd->callback([file, &status] {
+        std::vector<char> buffer(1 << 16);  // large reads from a file; declared first, as it outlives the stream
         std::ifstream stream;
         std::istream* in = &std::cin;
         std::string source = "<stdin>";
         if (!file->empty() && *file != "-") {
+            stream.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
             stream.open(*file, std::ios::binary);
             if (!stream || std::filesystem::is_directory(*file)) {
                 std::cerr << "nimbara check-lines: cannot open " << *file << ": "
