@@ -58,7 +58,7 @@ PossibleValues walk(const Query& q)
         return doc.cell(row, *column).value_or(std::string_view{});
     };
 
-    std::array<std::pair<std::optional<std::size_t>, std::string_view>, 8> filters;
+    std::array<std::pair<std::optional<std::size_t>, std::string_view>, 8> filters;  // the procedures pass at most five
     std::size_t filter_count = 0;
     for (const auto& f : q.filters) filters[filter_count++] = {doc.column(f.tag), f.value};
     const auto code_column = doc.column(q.code_tag), label_column = doc.column(q.label_tag);
@@ -88,7 +88,6 @@ PossibleValues walk(const Query& q)
     }
     return out;
 }
-
 
 // The discount codes of a document, with rule A's labels, for the line's leading fields.
 PossibleValues discount_codes(Source document, std::string_view product, std::string_view zone,
@@ -138,7 +137,8 @@ PossibleValues GetPossibleValues_PreTratamento(std::string_view product, std::st
                                                const RuleCatalogue& catalogue)
 {
     return walk({source(catalogue, rules::PossibleValueKey::PreTratamento), product,
-                 {{"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}}, weight, false, "PRETRATAMENTO", "PRETRATAMENTO", LabelRule::Selection});
+                 {{"CODZTAXACAO", zone}, {"CODVELOCIDADE", speed}, {"CODFORMATO", format}}, weight, false,
+                 "PRETRATAMENTO", "PRETRATAMENTO", LabelRule::Selection});
 }
 
 PossibleValues GetPossibleValues_Desconto(std::string_view product, std::string_view zone, std::string_view speed,
