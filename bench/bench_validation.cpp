@@ -1,17 +1,28 @@
 // Validation throughput: the indexed line validator against the straightforward way of assembling and
-// parsing the rule documents at every check, on the same mix of lines.
+// parsing the rule documents at every check, on the same mix of lines; the check-lines batch over a
+// million of those lines against reading, judging and answering one line at a time; and a whole Guia
+// judged and reported in memory.
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "document/validation_report.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/guia_file.hpp"
+#include "nimbara/line_batch.hpp"
 #include "support/literal_validator.hpp"
 #include "validation/line_validator.hpp"
 #include "validation/possible_values.hpp"
+#include "validation/rule_catalogue.hpp"
 
 namespace {
 
@@ -41,7 +52,22 @@ const std::vector<LineInput>& line_mix()
     return mix;
 }
 
+// The verdict as the line batch and the report take it: the error referred to, not yet copied out.
 void BM_ValidateLine(benchmark::State& state)
+{
+    const auto& mix = line_mix();
+    const auto& index = nimbara::validation::RuleCatalogue::compiled().index();
+    std::size_t i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(nimbara::validation::check_line(index, mix[i]));
+        i = i + 1 == mix.size() ? 0 : i + 1;  // a division here would cost a fair share of a line
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+BENCHMARK(BM_ValidateLine);
+
+// The public operation, which hands each error out as an error array of its own.
+void BM_ValidateLineFacade(benchmark::State& state)
 {
     const auto& mix = line_mix();
     const nimbara::cls_ValProdutosA validator;
@@ -53,7 +79,7 @@ void BM_ValidateLine(benchmark::State& state)
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
-BENCHMARK(BM_ValidateLine);
+BENCHMARK(BM_ValidateLineFacade);
 
 void BM_ValidateLineLiteral(benchmark::State& state)
 {
@@ -89,24 +115,145 @@ void BM_PossibleValues(benchmark::State& state)
 }
 BENCHMARK(BM_PossibleValues);
 
-// Prints the usual table, then the indexed validator's speed as a multiple of the literal one's.
+// A million lines of the mix as check-lines reads them.
+const std::string& batch_text()
+{
+    static const std::string text = [] {
+        std::string out;
+        const auto& mix = line_mix();
+        for (std::size_t i = 0; i < 1'000'000; ++i) {
+            const LineInput& l = mix[i % mix.size()];
+            for (const auto field : {l.product, l.zone}) (out += field) += '\t';
+            out += std::to_string(l.weight);
+            for (const auto field : {l.speed, l.format, l.pre_treatment, l.discount, l.scope, l.sampling, l.services})
+                (out += '\t') += field;
+            out += '\n';
+        }
+        return out;
+    }();
+    return text;
+}
+
+// Takes the answers and keeps only their count, so that the batch's own cost is what is measured.
+class DiscardBuffer : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char*, std::streamsize n) override { return n; }
+    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+};
+
+// Reads a text in place, so that no copy of the input is measured with the batch.
+class ViewBuffer : public std::streambuf {
+public:
+    explicit ViewBuffer(const std::string& text)
+    {
+        char* begin = const_cast<char*>(text.data());  // only ever read
+        setg(begin, begin, begin + text.size());
+    }
+};
+
+struct ViewStream : std::istream {
+    explicit ViewStream(const std::string& text) : std::istream(nullptr), buffer(text) { rdbuf(&buffer); }
+    ViewBuffer buffer;
+};
+
+void run_batch(benchmark::State& state, const std::function<std::unique_ptr<std::istream>()>& open)
+{
+    batch_text();  // made once, before the clock runs
+    DiscardBuffer discard;
+    std::ostream out(&discard), err(&discard);
+    std::size_t lines = 0;
+    for (auto _ : state) {
+        const auto in = open();
+        lines += nimbara::check_line_batch(*in, out, err, "batch").lines;
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(lines));
+}
+
+// check-lines over a million lines held in memory.
+void BM_CheckLines(benchmark::State& state)
+{
+    run_batch(state, [] { return std::make_unique<ViewStream>(batch_text()); });
+}
+BENCHMARK(BM_CheckLines)->Unit(benchmark::kMillisecond);
+
+// The same lines from a file, as `nimbara check-lines FILE` reads them.
+void BM_CheckLinesFile(benchmark::State& state)
+{
+    const auto path = std::filesystem::temp_directory_path() / ("nimbara-bench-lines-" + std::to_string(::getpid()));
+    std::ofstream(path, std::ios::binary) << batch_text();
+    run_batch(state, [&] { return std::make_unique<std::ifstream>(path, std::ios::binary); });
+    std::filesystem::remove(path);
+}
+BENCHMARK(BM_CheckLinesFile)->Unit(benchmark::kMillisecond);
+
+// The batch the straightforward way, as it first stood: a line read, judged through the public
+// operation and answered at a time.
+void BM_CheckLinesLineByLine(benchmark::State& state)
+{
+    DiscardBuffer discard;
+    std::ostream out(&discard);
+    const nimbara::cls_ValProdutosA validator;
+    std::size_t lines = 0;
+    batch_text();
+    for (auto _ : state) {
+        ViewStream in(batch_text());
+        std::string line;
+        std::vector<std::string_view> f;
+        while (std::getline(in, line)) {
+            ++lines;
+            f.clear();
+            for (std::size_t start = 0;;) {
+                const auto tab = line.find('\t', start);
+                f.emplace_back(std::string_view(line).substr(start, tab == std::string::npos ? tab : tab - start));
+                if (tab == std::string::npos) break;
+                start = tab + 1;
+            }
+            const auto r = validator.DoValidaProduto(f[0], f[1], *nimbara::read_weight(f[2]), f[3], f[4], f[5], f[6],
+                                                     f[7], f[8], f[9]);
+            std::string answer = "0";
+            if (r) {
+                answer = std::to_string(r->number) + '\t';
+                if (const auto* list = std::get_if<nimbara::ListArray>(&r->description)) {
+                    for (std::size_t i = 0; i < list->size(); ++i) answer += (i ? "," : "") + (*list)[i];
+                } else {
+                    answer += std::get<std::string>(r->description);
+                }
+            }
+            out << answer << '\n';
+        }
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(lines));
+}
+BENCHMARK(BM_CheckLinesLineByLine)->Unit(benchmark::kMillisecond);
+
+// Prints the usual table, then each fast way's speed as a multiple of its straightforward baseline's.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const auto& run : runs) {
             const auto it = run.counters.find("items_per_second");
-            if (it != run.counters.end()) rates_[run.benchmark_name()] = it->second.value;
+            if (it != run.counters.end() && run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
+                rates_[run.run_name.function_name] = it->second.value;
+            else if (it != run.counters.end() && run.run_type == Run::RT_Iteration && !rates_.contains(run.run_name.function_name))
+                rates_[run.run_name.function_name] = it->second.value;
         }
         ConsoleReporter::ReportRuns(runs);
     }
     void Finalize() override
     {
         ConsoleReporter::Finalize();
-        const auto fast = rates_.find("BM_ValidateLine"), slow = rates_.find("BM_ValidateLineLiteral");
-        if (fast != rates_.end() && slow != rates_.end() && slow->second > 0)
-            std::cout << "lines per second: indexed " << static_cast<long long>(fast->second) << ", literal "
-                      << static_cast<long long>(slow->second) << ", ratio " << fast->second / slow->second << "x\n";
+        const std::pair<const char*, const char*> pairs[] = {
+            {"BM_ValidateLine", "BM_ValidateLineLiteral"},
+            {"BM_ValidateLineFacade", "BM_ValidateLineLiteral"},
+            {"BM_CheckLines", "BM_CheckLinesLineByLine"},
+        };
+        for (const auto& [fast, slow] : pairs) {
+            const auto f = rates_.find(fast), s = rates_.find(slow);
+            if (f == rates_.end() || s == rates_.end() || s->second <= 0) continue;
+            std::cout << fast << " against " << slow << ": " << static_cast<long long>(f->second) << " against "
+                      << static_cast<long long>(s->second) << " items a second, " << f->second / s->second << "x\n";
+        }
     }
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
-// The headless façade: holds a Guia poured in as text, validates product lines and Guias against the
-// compiled-in rule catalogue, and reports what it found.
+// The headless façade: holds a Guia poured in as text, validates product lines and Guias against a
+// rule catalogue (the compiled-in one unless another is given), and reports what it found.
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -18,6 +18,10 @@
 #include "nimbara/guia_arrays.hpp"
 
 namespace nimbara {
+
+namespace validation {
+class RuleCatalogue;
+}
 
 // Why an operation failed: the operation (or routine) and the cause in words.
 struct Failure {
@@ -56,6 +60,12 @@ NIMBARA_API std::string guia_answer(const GuiaOutcome& outcome);
 
 class NIMBARA_API cls_ValProdutosA {
 public:
+    // Judges lines and lists possible values with the compiled-in catalogue.
+    cls_ValProdutosA() = default;
+    // Judges lines and lists possible values with the catalogue given, such as one built from the
+    // rule rows of another source; the object keeps a copy.
+    explicit cls_ValProdutosA(const validation::RuleCatalogue& catalogue);
+
     // Judges one product line: nothing when exactly one active rule of the product accepts every
     // value and the special services pass, else the first error met in the fixed order of checks.
     [[nodiscard]] ValidationResult DoValidaProduto(std::string_view strIdProduto, std::string_view strCodZtaxacao,
@@ -183,6 +193,9 @@ public:
     void setNotifier(Notifier* host) { notifier_ = host; }
 
 private:
+    const validation::RuleCatalogue& catalogue() const;
+
+    std::shared_ptr<const validation::RuleCatalogue> catalogue_;  // none for the compiled-in one
     GuiaArrays arrays_;
     std::optional<std::filesystem::path> report_folder_;
     bool printing_enabled_ = true;

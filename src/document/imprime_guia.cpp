@@ -59,7 +59,7 @@ GuiaOutcome cls_ValProdutosA::ImprimeGuiaOutcome(bool boolOnlyPrinter)
     try {
         std::string log;
         if (!arrays_.arrGuia.empty() && !boolOnlyPrinter) {
-            document::ValidationReport report = document::build_validation_report(arrays_);
+            document::ValidationReport report = document::build_validation_report(arrays_, catalogue());
             outcome.errors = report.errors;
             outcome.line_errors = std::move(report.line_errors);
             outcome.guia_error = std::move(report.guia_error);

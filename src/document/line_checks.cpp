@@ -1,10 +1,20 @@
-// The façade's line validation and list getters, over the compiled-in catalogue.
+// The façade's line validation and list getters, over its catalogue.
 #include "nimbara/GlobalXML.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "validation/line_validator.hpp"
 #include "validation/rule_catalogue.hpp"
 
 namespace nimbara {
+
+cls_ValProdutosA::cls_ValProdutosA(const validation::RuleCatalogue& catalogue)
+    : catalogue_(std::make_shared<const validation::RuleCatalogue>(catalogue))
+{
+}
+
+const validation::RuleCatalogue& cls_ValProdutosA::catalogue() const
+{
+    return catalogue_ ? *catalogue_ : validation::RuleCatalogue::compiled();
+}
 
 ValidationResult cls_ValProdutosA::DoValidaProduto(std::string_view strIdProduto, std::string_view strCodZtaxacao,
                                                    std::int32_t lngPeso, std::string_view strVelocidade,
@@ -13,7 +23,7 @@ ValidationResult cls_ValProdutosA::DoValidaProduto(std::string_view strIdProduto
                                                    std::string_view strCodAmostraDireta,
                                                    std::string_view strListaServEsp) const
 {
-    return validation::validate_line(validation::RuleCatalogue::compiled().index(),
+    return validation::validate_line(catalogue().index(),
                                      {strIdProduto, strCodZtaxacao, lngPeso, strVelocidade, strFormato, bolPreTratamento,
                                       strDesconto, strCodAmbitoDist, strCodAmostraDireta, strListaServEsp});
 }

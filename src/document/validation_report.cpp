@@ -1,5 +1,6 @@
 #include "document/validation_report.hpp"
 
+#include <algorithm>
 #include <optional>
 #include <variant>
 
@@ -31,6 +32,14 @@ public:
     // A field passed as a 32-bit number: an empty cell is 0, text that is no number ends the report.
     std::int32_t number(guia::Field field) const
     {
+        // Weight steps are plain digits, read on the spot; any other text takes the general conversion.
+        const std::string_view digits = text(field);
+        if (!digits.empty() && digits.size() <= 9 &&
+            std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+            std::int32_t value = 0;
+            for (const char c : digits) value = value * 10 + (c - '0');
+            return value;
+        }
         if (const auto value = cell_int32(lines_.at(field, row_))) return *value;
         throw ReportFailure("line " + std::to_string(row_ + 1) + ": field " + std::to_string(static_cast<int>(field)) + " (\"" +
                             std::string(text(field)) + "\") is no 32-bit number");

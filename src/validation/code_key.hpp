@@ -14,12 +14,30 @@ inline constexpr std::size_t kMaxKeyedCodeLength = 7;
 // key, which the index treats as a value no rule accepts.
 inline std::optional<CodeKey> code_key(std::string_view code)
 {
-    if (code.size() > kMaxKeyedCodeLength) return std::nullopt;
-    CodeKey key = static_cast<CodeKey>(code.size()) << 56;
+    const std::size_t n = code.size();
+    if (n > kMaxKeyedCodeLength) return std::nullopt;
+    // Two loads that overlap in the middle, rather than a copy byte by byte into memory, which the
+    // load of the whole key would then wait for.
+    const char* p = code.data();
     std::uint64_t bytes = 0;
-    // An empty view may carry no storage at all, and memcpy from null is undefined even for 0 bytes.
-    if (!code.empty()) std::memcpy(&bytes, code.data(), code.size());
-    return key | bytes;
+    if (n >= 4) {
+        std::uint32_t head, tail;
+        std::memcpy(&head, p, 4);
+        std::memcpy(&tail, p + n - 4, 4);
+        bytes = head | (static_cast<std::uint64_t>(tail) << (8 * (n - 4)));
+    } else if (n >= 2) {
+        std::uint16_t head, tail;
+        std::memcpy(&head, p, 2);
+        std::memcpy(&tail, p + n - 2, 2);
+        bytes = head | (static_cast<std::uint64_t>(tail) << (8 * (n - 2)));
+    } else if (n == 1) {
+        bytes = static_cast<unsigned char>(p[0]);
+    }
+    return (static_cast<CodeKey>(n) << 56) | bytes;
 }
+
+// Keys of different kinds (a zone, a speed, a product ...) share one table when each kind sets the top
+// four bits, which no key uses: its length takes bits 56 to 58.
+inline constexpr CodeKey tagged(CodeKey key, unsigned kind) { return key | (static_cast<CodeKey>(kind & 0xF) << 60); }
 
 }  // namespace nimbara::validation

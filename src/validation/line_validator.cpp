@@ -1,6 +1,6 @@
 #include "validation/line_validator.hpp"
 
-#include <algorithm>
+#include <array>
 #include <bit>
 #include <vector>
 
@@ -12,44 +12,9 @@ namespace {
 
 constexpr std::string_view kReadError = "Ocorreu um erro na leitura do XML";
 
-ErrorArray error(std::int32_t number, std::string_view text) { return {number, std::string(text)}; }
+LineVerdict fail(std::int32_t number, std::string_view text) { return {number, text, {}, nullptr}; }
 
 bool is_c38_or_c39(std::string_view product) { return product == "C38" || product == "C39"; }
-
-// The surviving candidates as bits over the product's rules, in rule-list order.
-class Candidates {
-public:
-    explicit Candidates(std::span<const IndexedRule* const> rules)
-        : rules_(rules), alive_(rules.size() == 64 ? ~0ULL : (1ULL << rules.size()) - 1) {}
-
-    bool empty() const { return alive_ == 0; }
-    int count() const { return std::popcount(alive_); }
-    const IndexedRule& only() const { return *rules_[static_cast<std::size_t>(std::countr_zero(alive_))]; }
-
-    // Strikes out every surviving rule for which keep() is false.
-    template <class Keep>
-    void strike_unless(Keep keep)
-    {
-        for (std::uint64_t bits = alive_; bits != 0; bits &= bits - 1) {
-            const int i = std::countr_zero(bits);
-            if (!keep(*rules_[static_cast<std::size_t>(i)])) alive_ &= ~(1ULL << i);
-        }
-    }
-
-    // Strikes out the rules that do not list the code in the dimension.
-    void strike_unless_accepted(Dimension d, std::string_view code)
-    {
-        const auto key = code_key(code);
-        const auto slot = static_cast<std::size_t>(d);
-        strike_unless([&](const IndexedRule& r) {
-            return key && std::find(r.accepted[slot].begin(), r.accepted[slot].end(), *key) != r.accepted[slot].end();
-        });
-    }
-
-private:
-    std::span<const IndexedRule* const> rules_;
-    std::uint64_t alive_;
-};
 
 std::int32_t weight_error_number(int code) { return code - 16; }  // -1..-4 become -17..-20
 
@@ -65,6 +30,78 @@ std::string_view weight_error_text(int code)
 
 // Product service codes -1..-6 map to -11..-16 and -7..-9 to -22..-24.
 std::int32_t product_service_error_number(int code) { return code >= -6 ? code - 10 : code - 15; }
+
+enum class PreTreatment { NotSelected, Selected, NoNumber };
+
+// The pre-treatment read as a 16-bit number. Plain digits, as lines carry them, are read on the spot;
+// any other text takes the general conversion, which answers alike for digits.
+PreTreatment pre_treatment_of(std::string_view text)
+{
+    bool digits = !text.empty() && text.size() <= 4;
+    int value = 0;
+    for (std::size_t i = 0; digits && i < text.size(); ++i) {
+        digits = text[i] >= '0' && text[i] <= '9';
+        value = value * 10 + (text[i] - '0');
+    }
+    if (!digits) {
+        const auto number = text::to_int16(text);
+        if (!number) return PreTreatment::NoNumber;
+        value = *number;
+    }
+    return value > 0 ? PreTreatment::Selected : PreTreatment::NotSelected;
+}
+
+// The line's services split at the commas, kept on the stack for the usual handful.
+class SplitServices {
+public:
+    explicit SplitServices(std::string_view text)
+    {
+        if (text.empty()) return;  // no list at all, which is not an empty list
+        // Codes are a few characters long: a plain scan beats a search call per code.
+        std::size_t start = 0;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] != ',') continue;
+            add(text.substr(start, i - start));
+            start = i + 1;
+        }
+        add(text.substr(start));
+        present_ = true;
+    }
+
+    Services services() const
+    {
+        if (!present_) return std::nullopt;
+        if (!more_.empty()) return std::span<const std::string_view>(more_);
+        return std::span<const std::string_view>(few_.data(), count_);
+    }
+
+private:
+    void add(std::string_view code)
+    {
+        if (count_ < few_.size()) {
+            few_[count_++] = code;
+            return;
+        }
+        if (more_.empty()) more_.assign(few_.begin(), few_.end());
+        more_.push_back(code);
+    }
+
+    std::array<std::string_view, 8> few_;
+    std::size_t count_ = 0;
+    std::vector<std::string_view> more_;
+    bool present_ = false;
+};
+
+// Keeps the rules of `alive` for which keep(rule) holds.
+template <class Keep>
+RuleSet keep_if(const RuleIndex::Product& product, RuleSet alive, Keep keep)
+{
+    for (RuleSet bits = alive; bits != 0; bits &= bits - 1) {
+        const int i = std::countr_zero(bits);
+        if (!keep(*product.rules[static_cast<std::size_t>(i)])) alive &= ~(RuleSet{1} << i);
+    }
+    return alive;
+}
 
 }  // namespace
 
@@ -92,76 +129,82 @@ WeightVerdict DoValPeso(const RuleIndex& index, const IndexedRule& rule, std::in
     return {result, 0};
 }
 
+LineVerdict check_line(const RuleIndex& index, const LineInput& line)
+{
+    const PreTreatment pre_treatment = pre_treatment_of(line.pre_treatment);
+    if (pre_treatment == PreTreatment::NoNumber) return fail(-100, kReadError);
+
+    const RuleIndex::Product* product = index.product(line.product);
+    if (product == nullptr) return fail(-100, kReadError);
+
+    RuleSet alive = product->all & index.accepting(*product, Dimension::Zone, line.zone);
+    if (alive == 0) return fail(-2, "Erro na Zona de Taxação");
+
+    if (product->walks_weight_rows) {
+        // The walk may answer an error of its own, which ends the pass at once.
+        for (RuleSet bits = alive; bits != 0; bits &= bits - 1) {
+            const int i = std::countr_zero(bits);
+            const WeightVerdict v = DoValPeso(index, *product->rules[static_cast<std::size_t>(i)], line.weight,
+                                              line.zone, line.product);
+            if (v.passes) continue;
+            if (v.code >= -4 && v.code <= -1) return fail(weight_error_number(v.code), weight_error_text(v.code));
+            alive &= ~(RuleSet{1} << i);
+        }
+    } else {
+        alive = keep_if(*product, alive, [w = line.weight](const IndexedRule& r) {
+            return r.weight_row && r.min < w && r.max >= w;
+        });
+    }
+    if (alive == 0) return fail(-3, "Erro na Validação do Peso");
+
+    alive &= index.accepting(*product, Dimension::Speed, line.speed);
+    if (alive == 0) return fail(-4, "Erro na Velocidade");
+
+    alive &= index.accepting(*product, Dimension::Format, line.format);
+    if (alive == 0) return fail(-5, "Erro no Formato");
+
+    if (pre_treatment == PreTreatment::Selected) {
+        alive &= product->pre_treatment;
+        if (alive == 0) return fail(-6, "Erro no Pre-tratamento");
+    }
+
+    alive &= index.accepting(*product, Dimension::Discount, line.discount);
+    if (alive == 0) return fail(-7, "Erro no Desconto");
+
+    alive &= index.accepting(*product, Dimension::Scope, line.scope);
+    if (alive == 0) return fail(-8, "Erro no Ambito da Distribuição");
+
+    alive &= index.accepting(*product, Dimension::Sampling, line.sampling.empty() ? std::string_view("0") : line.sampling);
+    if (alive == 0) return fail(-21, "Erro na Entrega Sampling");
+
+    // Exactly one rule must stand; clearing the lowest bit must leave nothing.
+    if ((alive & (alive - 1)) != 0) return fail(-9, "Existem diversas regras de validação de serviços");
+    const IndexedRule& rule = *product->rules[static_cast<std::size_t>(std::countr_zero(alive))];
+
+    const SplitServices split(line.services);
+    const Services services = split.services();
+    if (services && !admits_all_services(rule, *services)) return {-10, {}, {}, &rule};
+
+    const ProductServiceVerdict verdict = DoValServEspByProduto(line.product, line.zone, services);
+    if (verdict.code <= -1 && verdict.code >= -9) return {product_service_error_number(verdict.code), {}, verdict.list, nullptr};
+    return {};
+}
+
+ErrorArray LineVerdict::error(const LineInput& line) const
+{
+    if (!text.empty()) return {number, std::string(text)};
+    if (rule != nullptr) {
+        const SplitServices split(line.services);
+        return {number, DoValServEsp(*rule, *split.services()).value_or(ListArray{})};
+    }
+    return {number, ListArray(codes.begin(), codes.end())};
+}
+
 ValidationResult validate_line(const RuleIndex& index, const LineInput& line)
 {
-    // Reused between calls so that splitting the services costs no allocation.
-    thread_local std::vector<std::string_view> parts;
-    Services services;
-    if (!line.services.empty()) {
-        parts.clear();
-        std::size_t start = 0;
-        while (true) {
-            const auto comma = line.services.find(',', start);
-            parts.push_back(line.services.substr(start, comma == std::string_view::npos ? comma : comma - start));
-            if (comma == std::string_view::npos) break;
-            start = comma + 1;
-        }
-        services = std::span<const std::string_view>(parts);
-    }
-
-    const auto pre_treatment = text::to_int16(line.pre_treatment);
-    if (!pre_treatment) return error(-100, kReadError);
-
-    const auto rules = index.active_rules(line.product);
-    if (rules.empty()) return error(-100, kReadError);
-    Candidates candidates(rules);
-
-    candidates.strike_unless_accepted(Dimension::Zone, line.zone);
-    if (candidates.empty()) return error(-2, "Erro na Zona de Taxação");
-
-    std::optional<WeightVerdict> weight_failure;
-    candidates.strike_unless([&](const IndexedRule& rule) {
-        if (weight_failure) return true;  // an error code ends the pass at once
-        const WeightVerdict v = DoValPeso(index, rule, line.weight, line.zone, line.product);
-        if (!v.passes && v.code >= -4 && v.code <= -1) weight_failure = v;
-        return v.passes;
-    });
-    if (weight_failure) return error(weight_error_number(weight_failure->code), weight_error_text(weight_failure->code));
-    if (candidates.empty()) return error(-3, "Erro na Validação do Peso");
-
-    candidates.strike_unless_accepted(Dimension::Speed, line.speed);
-    if (candidates.empty()) return error(-4, "Erro na Velocidade");
-
-    candidates.strike_unless_accepted(Dimension::Format, line.format);
-    if (candidates.empty()) return error(-5, "Erro no Formato");
-
-    if (*pre_treatment > 0) {
-        // Only the presence of a pre-treatment row counts, whatever its value.
-        candidates.strike_unless(
-            [](const IndexedRule& r) { return !r.accepted[static_cast<std::size_t>(Dimension::PreTreatment)].empty(); });
-        if (candidates.empty()) return error(-6, "Erro no Pre-tratamento");
-    }
-
-    candidates.strike_unless_accepted(Dimension::Discount, line.discount);
-    if (candidates.empty()) return error(-7, "Erro no Desconto");
-
-    candidates.strike_unless_accepted(Dimension::Scope, line.scope);
-    if (candidates.empty()) return error(-8, "Erro no Ambito da Distribuição");
-
-    candidates.strike_unless_accepted(Dimension::Sampling, line.sampling.empty() ? std::string_view("0") : line.sampling);
-    if (candidates.empty()) return error(-21, "Erro na Entrega Sampling");
-
-    if (candidates.count() != 1) return error(-9, "Existem diversas regras de validação de serviços");
-    const IndexedRule& rule = candidates.only();
-
-    if (services) {
-        if (auto refused = DoValServEsp(rule, *services)) return ErrorArray{-10, std::move(*refused)};
-    }
-
-    ProductServiceVerdict verdict = DoValServEspByProduto(line.product, line.zone, services);
-    if (verdict.code <= -1 && verdict.code >= -9)
-        return ErrorArray{product_service_error_number(verdict.code), std::move(verdict.list)};
-    return std::nullopt;
+    const LineVerdict verdict = check_line(index, line);
+    if (verdict.passes()) return std::nullopt;
+    return verdict.error(line);
 }
 
 }  // namespace nimbara::validation

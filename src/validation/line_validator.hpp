@@ -1,6 +1,7 @@
 #pragma once
 // Judging one product line by elimination over the indexed rules.
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "nimbara/error_array.hpp"
@@ -21,6 +22,22 @@ struct LineInput {
     std::string_view services;       // codes joined by ","
 };
 
+// What judging a line found, referring to the error's fixed text or codes rather than copying them,
+// so that a line is judged without allocating; error() makes the error array when one is wanted.
+struct LineVerdict {
+    std::int32_t number = 0;                  // 0 when the line passes
+    std::string_view text;                    // the description of the errors that carry a text
+    std::span<const std::string_view> codes;  // the codes a product's service rule expects
+    const IndexedRule* rule = nullptr;        // for -10, the settled rule that refused some services
+
+    bool passes() const { return number == 0; }
+    // The error array; `line` must be the line judged, whose refused services error -10 lists.
+    ErrorArray error(const LineInput& line) const;
+};
+
+LineVerdict check_line(const RuleIndex& index, const LineInput& line);
+
+// check_line with its error made, as the public operation answers.
 ValidationResult validate_line(const RuleIndex& index, const LineInput& line);
 
 // The weight test of one rule: the half-open range, with the walk of C38 and C39 that may answer an

@@ -60,6 +60,7 @@ const RuleCatalogue& RuleCatalogue::compiled()
         c.index_ = std::make_shared<const RuleIndex>(rules::rule_table(), rules::repeated_rows());
         for (std::size_t k = 0; k < rules::kPossibleValueKeyCount; ++k)
             c.tables_[k] = &rules::possible_value_table(static_cast<rules::PossibleValueKey>(k));
+        c.index_possible_values();
         return c;
     }();
     return catalogue;
@@ -93,7 +94,16 @@ RuleCatalogue RuleCatalogue::from_rows(std::span<const rules::RuleRow> rows)
         c.tables_[k] = &table.view;
     }
     c.storage_ = std::move(storage);
+    c.index_possible_values();
     return c;
+}
+
+void RuleCatalogue::index_possible_values()
+{
+    auto rows = std::make_shared<std::vector<RowsByProduct>>();
+    rows->reserve(tables_.size());
+    for (const auto* table : tables_) rows->emplace_back(*table);
+    rows_by_product_ = std::move(rows);
 }
 
 }  // namespace nimbara::validation

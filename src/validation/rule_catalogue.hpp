@@ -7,6 +7,7 @@
 
 #include "rules/catalogue.hpp"
 #include "rules/possible_value_key.hpp"
+#include "validation/rows_by_product.hpp"
 #include "validation/rule_index.hpp"
 
 namespace nimbara::validation {
@@ -26,14 +27,21 @@ public:
     {
         return *tables_[static_cast<std::size_t>(key)];
     }
+    // The same table's rows by product.
+    const RowsByProduct& rows_by_product(rules::PossibleValueKey key) const
+    {
+        return (*rows_by_product_)[static_cast<std::size_t>(key)];
+    }
 
 private:
     RuleCatalogue() = default;
+    void index_possible_values();
 
     // Shared, so that copies are cheap and the views into a built catalogue's storage stay valid.
     std::shared_ptr<const void> storage_;  // what a catalogue built from rows points into
     std::shared_ptr<const RuleIndex> index_;
     std::array<const rules::PossibleValueTable*, rules::kPossibleValueKeyCount> tables_{};
+    std::shared_ptr<const std::vector<RowsByProduct>> rows_by_product_;
 };
 
 }  // namespace nimbara::validation

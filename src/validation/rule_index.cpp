@@ -1,9 +1,8 @@
 #include "validation/rule_index.hpp"
 
-#include <algorithm>
 #include <map>
 #include <stdexcept>
-
+#include <utility>
 
 namespace nimbara::validation {
 namespace {
@@ -15,20 +14,16 @@ CodeKey required_key(std::string_view code, int rule)
     return *key;
 }
 
-}  // namespace
+// Every dimension but the services is judged by the sets; the services are judged against the settled rule.
+constexpr std::size_t kSetDimensions = static_cast<std::size_t>(Dimension::Service);
 
-bool IndexedRule::accepts(Dimension d, std::string_view code) const
-{
-    const auto key = code_key(code);
-    if (!key) return false;
-    const auto& keys = accepted[static_cast<std::size_t>(d)];
-    return std::find(keys.begin(), keys.end(), *key) != keys.end();
-}
+}  // namespace
 
 RuleIndex::RuleIndex(std::span<const rules::RuleRow> table, std::span<const rules::RepeatedRow> repeated_rows)
 {
     // Dimension rows exist for rules outside the rule list too; keep them so that ids resolve alike.
     rules_.reserve(table.size());
+    std::map<CodeKey, std::uint32_t> code_ids;
     for (const auto& row : table) {
         IndexedRule rule;
         rule.id = row.id;
@@ -37,10 +32,13 @@ RuleIndex::RuleIndex(std::span<const rules::RuleRow> table, std::span<const rule
         rule.weight_row = row.in_rule_list();
         for (std::size_t d = 0; d < rules::kDimensionCount; ++d) {
             rules::for_each_code(row.codes[d], [&](std::string_view code) {
-                if (static_cast<Dimension>(d) == Dimension::Service)
+                if (d == kSetDimensions) {
                     rule.services.emplace_back(code);
-                else
-                    rule.accepted[d].push_back(required_key(code, row.id));
+                    return;
+                }
+                const auto key = tagged(required_key(code, row.id), static_cast<unsigned>(d));
+                code_ids.try_emplace(key, static_cast<std::uint32_t>(code_ids.size()));
+                if (static_cast<Dimension>(d) == Dimension::PreTreatment) rule.pre_treatment_row = true;
             });
         }
         for (const auto& repeat : repeated_rows)
@@ -49,25 +47,44 @@ RuleIndex::RuleIndex(std::span<const rules::RuleRow> table, std::span<const rule
         if (row.in_rule_list()) weight_rows_.push_back({row.id, row.min, row.max, std::string(row.product)});
     }
 
-    std::map<CodeKey, std::vector<const IndexedRule*>> by_product;
+    std::map<CodeKey, std::vector<std::size_t>> by_product;  // rows of the active rules
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (table[i].listing != rules::Listing::Active) continue;
         auto& list = by_product[required_key(table[i].product, table[i].id)];
-        list.push_back(&rules_[i]);
-        if (list.size() > 64)
+        list.push_back(i);
+        if (list.size() > kMaxRulesPerProduct)
             throw std::invalid_argument("product " + std::string(table[i].product) + " has more than 64 active rules");
     }
-    for (auto& [key, list] : by_product) products_.push_back({key, std::move(list)});
+
+    std::vector<std::pair<CodeKey, std::uint32_t>> ids(code_ids.begin(), code_ids.end());
+    sets_.assign(by_product.size() * code_ids.size(), 0);
+    for (auto& [key, rows] : by_product) {
+        Product product;
+        product.sets = products_.size() * code_ids.size();
+        const auto code = table[rows.front()].product;
+        product.walks_weight_rows = code == "C38" || code == "C39";
+        for (std::size_t bit = 0; bit < rows.size(); ++bit) {
+            const RuleSet self = RuleSet{1} << bit;
+            const auto& row = table[rows[bit]];
+            const IndexedRule& rule = rules_[rows[bit]];
+            product.rules.push_back(&rule);
+            product.all |= self;
+            if (rule.pre_treatment_row) product.pre_treatment |= self;
+            for (std::size_t d = 0; d < kSetDimensions; ++d)
+                rules::for_each_code(row.codes[d], [&](std::string_view c) {
+                    sets_[product.sets + code_ids.at(tagged(*code_key(c), static_cast<unsigned>(d)))] |= self;
+                });
+        }
+        ids.emplace_back(tagged(key, kProductKind), static_cast<std::uint32_t>(products_.size()));
+        products_.push_back(std::move(product));
+    }
+    ids_ = CodeIds(ids);
 }
 
-std::span<const IndexedRule* const> RuleIndex::active_rules(std::string_view product) const
+std::span<const IndexedRule* const> RuleIndex::active_rules(std::string_view code) const
 {
-    const auto key = code_key(product);
-    if (!key) return {};
-    const auto it = std::lower_bound(products_.begin(), products_.end(), *key,
-                                     [](const ProductEntry& e, CodeKey k) { return e.product < k; });
-    if (it == products_.end() || it->product != *key) return {};
-    return it->rules;
+    if (const Product* p = product(code)) return p->rules;
+    return {};
 }
 
 }  // namespace nimbara::validation

@@ -13,12 +13,15 @@ namespace nimbara::validation {
 // The line's services as split from its comma-joined text; no list at all is std::nullopt.
 using Services = std::optional<std::span<const std::string_view>>;
 
+// Whether DoValServEsp would answer nothing, without making the list.
+bool admits_all_services(const IndexedRule& rule, std::span<const std::string_view> services);
+
 // The services the rule does not admit, each rule row striking one occurrence; nothing when all pass.
 std::optional<ListArray> DoValServEsp(const IndexedRule& rule, std::span<const std::string_view> services);
 
 struct ProductServiceVerdict {
-    int code = 0;   // 0: no rule fired; -1 to -9 a rule; -100 a failure, which callers treat as no error
-    ListArray list;  // the codes the rule expects, for the explanation to the user
+    int code = 0;  // 0: no rule fired; -1 to -9 a rule; -100 a failure, which callers treat as no error
+    std::span<const std::string_view> list;  // the codes the rule expects, for the explanation to the user
 };
 
 ProductServiceVerdict DoValServEspByProduto(std::string_view product, std::string_view zone, Services services);

@@ -201,7 +201,7 @@ ValidationResult literal_validate_line(const validation::LineInput& line)
         const validation::Services span = services ? validation::Services(views) : std::nullopt;
         auto verdict = validation::DoValServEspByProduto(line.product, line.zone, span);
         if (verdict.code <= -1 && verdict.code >= -9) {
-            prepare(err, verdict.code >= -6 ? verdict.code - 10 : verdict.code - 15, std::move(verdict.list));
+            prepare(err, verdict.code >= -6 ? verdict.code - 10 : verdict.code - 15, ListArray(verdict.list.begin(), verdict.list.end()));
             throw Raise{};
         }
         return std::nullopt;

@@ -41,6 +41,13 @@ std::string show(const ValidationResult& r)
 }
 
 ErrorArray err(std::int32_t n, std::string text) { return {n, std::move(text)}; }
+
+std::string many_zeros(int count)
+{
+    std::string out = "0";
+    for (int i = 1; i < count; ++i) out += ",0";
+    return out;
+}
 ErrorArray err(std::int32_t n, ListArray list) { return {n, std::move(list)}; }
 
 }  // namespace
@@ -136,6 +143,8 @@ TEST(DoValidaProduto, SpecialServices)
         {"C13 first service 0 skips its rows", c13("0,07"), std::nullopt},
         {"C13 04 and 05", c13("04,05"), err(-24, ListArray{"04", "05"})},
         {"C13 0 alone", c13("0"), std::nullopt},
+        {"more codes than are split on the stack", Line{.services = "0,0,0,0,0,0,0,0,0,0"}, err(-10, ListArray(9, "0"))},
+        {"more codes than one bit set holds", Line{.services = many_zeros(70)}, err(-10, ListArray(69, "0"))},
     };
     for (const auto& c : cases) EXPECT_EQ(show(validate(c.line)), show(c.expected)) << c.what;
 }

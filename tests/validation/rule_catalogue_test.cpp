@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "nimbara/cls_ValProdutosA.hpp"
 #include "rules/catalogue.hpp"
 #include "rules/possible_value_key.hpp"
 #include "validation/line_validator.hpp"
 #include "validation/possible_values.hpp"
 #include "validation/rule_catalogue.hpp"
+#include "support/temp_folder.hpp"
 
 using nimbara::rules::PossibleValueKey;
 using nimbara::rules::PossibleValueTable;
@@ -118,4 +120,39 @@ TEST(RuleCatalogue, BuiltFromTheCompiledRowsJudgesAlike)
         }
     }
     EXPECT_GT(lines, 500);
+}
+
+// A façade handed a catalogue of other rows judges lines and explains refusals by those rows: here
+// the national C01 rules move from zone 01 to zone 33.
+TEST(RuleCatalogue, DrivesTheFacadeItIsHanded)
+{
+    std::vector<nimbara::rules::RuleRow> rows(nimbara::rules::rule_table().begin(), nimbara::rules::rule_table().end());
+    for (auto& row : rows)
+        if (row.product == "C01" && row.codes_of(nimbara::rules::Dimension::Zone) == "01")
+            row.codes[static_cast<std::size_t>(nimbara::rules::Dimension::Zone)] = "33";
+    const nimbara::cls_ValProdutosA moved(RuleCatalogue::from_rows(rows)), compiled;
+
+    const auto judge = [](const nimbara::cls_ValProdutosA& v, std::string_view zone) {
+        return show(v.DoValidaProduto("C01", zone, 50, "0", "02", "1", "0", "0", "0", "0"));
+    };
+    EXPECT_EQ(judge(moved, "33"), "passes");
+    EXPECT_EQ(judge(moved, "01"), "-2");
+    EXPECT_EQ(judge(compiled, "33"), "-2");
+
+    // The report of a Guia whose line stays in zone 01 lists the zones the moved rules accept.
+    nimbara::testing::TempFolder folder;
+    nimbara::cls_ValProdutosA guia(RuleCatalogue::from_rows(rows));
+    guia.setReportFolder(folder.path());
+    guia.setPrintingEnabled(false);
+    ASSERT_EQ(guia.PreencheCabecalho({.cb_N_Req = "7", .cb_CodCliente = "456", .cb_NDoc = "2026/7"}), 0);
+    ASSERT_EQ(guia.PreencheProduto({.A_Zona_Taxacao = "01", .B_Produto = "C01", .N_Linha = "1", .Escalao = "50",
+                                    .Formato = "02", .PreTratamento = "1"}),
+              std::nullopt);
+    const auto outcome = guia.ImprimeGuiaOutcome(false);
+    ASSERT_TRUE(outcome.report);
+    ASSERT_EQ(outcome.line_errors.size(), 1u);
+    EXPECT_EQ(outcome.line_errors[0].error.number, -2);
+    const auto report = nimbara::testing::read_file(*outcome.report);
+    EXPECT_NE(report.find("Codigo = 33"), std::string::npos) << report;
+    EXPECT_EQ(report.find("Codigo = 01"), std::string::npos) << report;
 }

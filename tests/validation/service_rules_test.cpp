@@ -19,7 +19,7 @@ Verdict judge(std::string_view product, std::string_view zone, std::optional<std
     nimbara::validation::Services s;
     if (services) s = std::span<const std::string_view>(*services);
     auto v = DoValServEspByProduto(product, zone, s);
-    return {v.code, v.list};
+    return {v.code, ListArray(v.list.begin(), v.list.end())};
 }
 
 using V = std::vector<std::string_view>;

@@ -4,7 +4,6 @@
 
 #include "commands.hpp"
 #include "line_batch_command.hpp"
-#include "nimbara/cls_ValProdutosA.hpp"
 
 namespace nimbara::cli {
 
@@ -17,13 +16,7 @@ void register_check_lines(CLI::App& app, int& status)
     cmd->add_option("FILE", *file, "The batch file; standard input when omitted or -");
     cmd->footer("Exit status: 0 every row was judged (failing lines included), 2 a row could not be judged or the "
                 "input could not be read.\nExample:\n  nimbara check-lines examples/lines.tsv");
-    cmd->callback([file, &status] {
-        const cls_ValProdutosA validator;
-        status = run_line_batch("check-lines", *file, [&validator](const BatchRow& row) {
-            const auto& f = row.fields;
-            return validator.DoValidaProduto(f[0], f[1], row.weight, f[3], f[4], f[5], f[6], f[7], f[8], f[9]);
-        });
-    });
+    cmd->callback([file, &status] { status = run_line_batch("check-lines", *file); });
 }
 
 }  // namespace nimbara::cli

@@ -102,8 +102,8 @@ void register_db_check(CLI::App& db, int& status)
             cls_ValProdutos validator(db);
             // The whole batch is judged against one state of the rule tables, read once.
             Transaction reading(*db, TransactionMode::Reading);
-            return run_line_batch("db check-lines", o->file,
-                                  [&validator](const BatchRow& row) { return judge_row(validator, row); });
+            const BatchJudge judge = [&validator](const BatchRow& row) { return judge_row(validator, row); };
+            return run_line_batch("db check-lines", o->file, &judge);
         });
     });
 }

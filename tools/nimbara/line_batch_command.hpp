@@ -7,8 +7,9 @@
 
 namespace nimbara::cli {
 
-// Judges the batch in `file` (standard input when empty or "-"); answers the exit status: 0 every row
-// was judged, 2 a row was refused or the input could not be opened or read.
-int run_line_batch(const std::string& command, const std::string& file, const BatchJudge& judge);
+// Judges the batch in `file` (standard input when empty or "-") by the judge, or by the compiled-in
+// rules without one; answers the exit status: 0 every row was judged, 2 a row was refused or the
+// input could not be opened or read.
+int run_line_batch(const std::string& command, const std::string& file, const BatchJudge* judge = nullptr);
 
 }  // namespace nimbara::cli
