@@ -22,6 +22,6 @@ install(FILES ${CMAKE_BINARY_DIR}/nimbaraConfig.cmake ${CMAKE_BINARY_DIR}/nimbar
 
 # pkg-config: the shared library by default, the static one's third-party libraries with --static.
 set(NIMBARA_PC_REQUIRES_PRIVATE "pangocairo cairo cairo-pdf cairo-png fontconfig libmdb sqlite3 libpq")
-set(NIMBARA_PC_LIBS_PRIVATE "-lzint -lhpdf -l${CMAKE_DL_LIBS}")
+set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS}")
 configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

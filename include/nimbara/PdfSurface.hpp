@@ -80,7 +80,7 @@ public:
     void EndDoc() override;
 
     // From BeginBatch to EndBatch every job goes into one document, which takes the name of the first
-    // job and is written whole by EndBatch; a batch never ended leaves no file.
+    // job and is written whole by EndBatch; a batch never ended, or without pages, leaves no file.
     void BeginBatch();
     void EndBatch();
 

@@ -179,7 +179,7 @@ void CairoPainter::paint(cairo_t* cr, const Page& page, double line)
     }
 }
 
-CairoPdfWriter::CairoPdfWriter() : pdf_(nullptr, cairo_surface_destroy)
+CairoPdfWriter::CairoPdfWriter(Output out) : out_(std::move(out)), pdf_(nullptr, cairo_surface_destroy)
 {
     pdf_.reset(cairo_pdf_surface_create_for_stream(append, this, 1, 1));
     if (cairo_surface_status(pdf_.get()) != CAIRO_STATUS_SUCCESS)
@@ -191,7 +191,7 @@ CairoPdfWriter::~CairoPdfWriter() = default;
 
 cairo_status_t CairoPdfWriter::append(void* closure, const unsigned char* data, unsigned int length)
 {
-    static_cast<CairoPdfWriter*>(closure)->bytes_.append(reinterpret_cast<const char*>(data), length);
+    static_cast<CairoPdfWriter*>(closure)->out_(std::string_view(reinterpret_cast<const char*>(data), length));
     return CAIRO_STATUS_SUCCESS;
 }
 
@@ -204,12 +204,11 @@ void CairoPdfWriter::add_page(const Page& page)
     cairo_show_page(cr.get());
 }
 
-std::string CairoPdfWriter::finish()
+void CairoPdfWriter::finish()
 {
     cairo_surface_finish(pdf_.get());
     if (const auto status = cairo_surface_status(pdf_.get()); status != CAIRO_STATUS_SUCCESS)
         throw std::runtime_error(cairo_status_to_string(status));
-    return std::move(bytes_);
 }
 
 }  // namespace nimbara

@@ -3,9 +3,11 @@
 // that embeds the faces the system's fonts resolve to.
 #include <cairo.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "platform/page_ops.hpp"
@@ -38,20 +40,22 @@ private:
 // A PDF of whole pages written by cairo: each font used is embedded as a subset.
 class CairoPdfWriter {
 public:
-    CairoPdfWriter();
+    // Receives the document's bytes in order.
+    using Output = std::function<void(std::string_view)>;
+    explicit CairoPdfWriter(Output out);
     ~CairoPdfWriter();
     CairoPdfWriter(const CairoPdfWriter&) = delete;
     CairoPdfWriter& operator=(const CairoPdfWriter&) = delete;
 
     void add_page(const Page& page);
-    // The whole document; throws with cairo's reason when it could not be made.
-    std::string finish();
+    // Completes the document; throws with cairo's reason when it could not be made.
+    void finish();
 
 private:
     static cairo_status_t append(void* closure, const unsigned char* data, unsigned int length);
 
     CairoPainter painter_;
-    std::string bytes_;
+    Output out_;
     std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> pdf_;
 };
 

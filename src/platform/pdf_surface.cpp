@@ -2,7 +2,7 @@
 #include "foundation/pending_file.hpp"
 #include "platform/cairo_pages.hpp"
 #include "platform/page_ops.hpp"
-#include "platform/standard_pdf.hpp"
+#include "platform/pdf_writer.hpp"
 
 #include <cairo.h>
 #include <pango/pangocairo.h>
@@ -83,9 +83,12 @@ struct PdfSurface::Impl {
     int jobs_done = 0;
     bool in_job = false;
     bool batch = false;
+    int document_pages = 0;  // pages written into the document in progress
     std::optional<Writer> writer;
     Faces writer_faces = Faces::Standard;
     std::optional<PendingFile> file;
+    std::string bytes;        // the document, for a sink
+    std::string write_error;  // the first write the file refused; the rest of the document is dropped
     bool page_open = false;
     std::vector<Page> pages;  // of the job in progress, or of the last one
     std::vector<std::filesystem::path> written;
@@ -119,16 +122,34 @@ struct PdfSurface::Impl {
                 throw std::runtime_error("cannot write \"" + path.string() + "\": " + e.code().message());
             }
         }
+        bytes.clear();
+        write_error.clear();
+        const auto output = [this](std::string_view chunk) { write_out(chunk); };
         try {
             if (faces == Faces::Standard)
-                writer.emplace(std::make_unique<StandardPdfWriter>());
+                writer.emplace(std::make_unique<StandardPdfWriter>(output));
             else
-                writer.emplace(std::make_unique<CairoPdfWriter>());
+                writer.emplace(std::make_unique<CairoPdfWriter>(output));
         } catch (...) {
             file.reset();
             throw;
         }
         writer_faces = faces;
+        document_pages = 0;
+    }
+
+    void write_out(std::string_view chunk)
+    {
+        if (!file) {
+            bytes.append(chunk);
+            return;
+        }
+        if (!write_error.empty()) return;
+        try {
+            file->write(chunk);
+        } catch (const std::system_error& e) {
+            write_error = e.code().message();
+        }
     }
 
     void begin_job()
@@ -153,6 +174,7 @@ struct PdfSurface::Impl {
 
     void finish_page()
     {
+        ++document_pages;
         std::visit([&](auto& w) { w->add_page(pages.back()); }, *writer);
         page_open = false;
     }
@@ -162,9 +184,8 @@ struct PdfSurface::Impl {
     // Writes the document out: to its file under its first free name, or to the sink.
     void close_document()
     {
-        std::string bytes;
         try {
-            bytes = std::visit([](auto& w) { return w->finish(); }, *writer);
+            std::visit([](auto& w) { w->finish(); }, *writer);
         } catch (const std::exception& e) {
             writer.reset();
             file.reset();
@@ -174,10 +195,14 @@ struct PdfSurface::Impl {
         if (!file) {
             ++jobs_done;
             sink(jobs_done, std::move(bytes));
+            bytes.clear();
             return;
         }
+        if (!write_error.empty()) {
+            file.reset();
+            throw std::runtime_error("cannot write " + place() + ": " + write_error);
+        }
         try {
-            file->write(bytes);
             written.push_back(file->publish([this](int attempt) { return job_name(attempt); }));
         } catch (const std::system_error& e) {
             const std::string where = place();
@@ -365,10 +390,17 @@ void PdfSurface::BeginBatch()
 
 void PdfSurface::EndBatch()
 {
-    if (!impl_->batch) return;
-    impl_->end_job();
-    impl_->batch = false;
-    impl_->close_document();
+    auto& state = *impl_;
+    if (!state.batch) return;
+    state.end_job();
+    state.batch = false;
+    if (state.document_pages == 0) {
+        // A PDF without pages is no document: nothing is written.
+        state.writer.reset();
+        state.file.reset();
+        return;
+    }
+    state.close_document();
 }
 
 int PdfSurface::page_count() const { return static_cast<int>(impl_->pages.size()); }
