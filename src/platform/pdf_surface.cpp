@@ -167,6 +167,8 @@ struct PdfSurface::Impl {
         if (!page_open) {
             const auto [w, h] = page_twips();
             pages.push_back(Page{w, h, {}});
+            // A Guia's page is some fifteen hundred calls: grown once, not copied again and again.
+            pages.back().ops.reserve(2048);
             page_open = true;
         }
         return pages.back();
