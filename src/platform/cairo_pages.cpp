@@ -114,6 +114,13 @@ std::shared_ptr<PangoLayout> CairoPainter::layout(const TextOp& t)
     return layouts_.emplace(std::move(key), l).first->second;
 }
 
+double CairoPainter::text_width(const TextOp& text)
+{
+    PangoRectangle logical;
+    pango_layout_get_extents(layout(text).get(), nullptr, &logical);
+    return static_cast<double>(logical.width) / PANGO_SCALE;
+}
+
 std::shared_ptr<cairo_surface_t> CairoPainter::raster(const std::shared_ptr<const Picture>& p)
 {
     if (auto it = rasters_.find(p); it != rasters_.end()) return it->second;

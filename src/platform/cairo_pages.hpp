@@ -27,6 +27,8 @@ public:
 
     // Draws the page in twips onto `cr`, a device line being `line` twips wide.
     void paint(cairo_t* cr, const Page& page, double line);
+    // The advance of the text in the font the system resolves its name to, in twips.
+    double text_width(const TextOp& text);
 
 private:
     std::shared_ptr<PangoLayout> layout(const TextOp& t);

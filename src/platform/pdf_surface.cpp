@@ -329,11 +329,16 @@ void PdfSurface::Print(std::string_view text)
     state.y += line_height_em(state.face()) * state.font_size * kTwipsPerPoint;
 }
 
+// Measured as the document in progress, or else the next one, draws it.
 double PdfSurface::TextWidth(std::string_view text)
 {
+    auto& state = *impl_;
+    if ((state.writer ? state.writer_faces : state.faces) == Faces::Embedded)
+        return state.cairo().text_width(TextOp{0, 0, state.fore, state.font_name, state.bold, state.font_size, state.face(),
+                                               std::string(text), {}});
     const auto encoded = to_win_ansi(text);
     if (!encoded) throw std::invalid_argument("text \"" + std::string(text) + "\" has a character that the standard faces lack");
-    return text_width_em(impl_->face(), *encoded) * impl_->font_size * kTwipsPerPoint;
+    return text_width_em(state.face(), *encoded) * state.font_size * kTwipsPerPoint;
 }
 
 void PdfSurface::Line(int flags, double x1, double y1, double x2, double y2, Colour)
