@@ -5,7 +5,6 @@
 #include "platform/pdf_writer.hpp"
 
 #include <cairo.h>
-#include <pango/pangocairo.h>
 
 #include <cerrno>
 #include <cmath>
@@ -94,6 +93,8 @@ struct PdfSurface::Impl {
     std::vector<std::filesystem::path> written;
 
     Impl(JobNamer n, DocumentSink k) : namer(std::move(n)), sink(std::move(k)) {}
+    // A writer may still write as it goes, so it goes before the file it writes to.
+    ~Impl() { writer.reset(); }
 
     CairoPainter& cairo()
     {

@@ -1,7 +1,9 @@
 #include "platform/pdf_writer.hpp"
 
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <optional>
 #include <variant>
 
