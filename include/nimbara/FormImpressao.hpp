@@ -1,6 +1,6 @@
 #pragma once
 // The holder of the picture assets of the printed page: one picture per control, under the control's
-// name, drawn by our own code at the control's pixel size.
+// name, drawn by our own code as vectors at the control's pixel size (they carry no raster).
 #include <array>
 #include <string>
 
@@ -33,9 +33,6 @@ struct FormImpressao {
                 &pic_barraM1,  &pic_barraN1, &pic_barraO1, &pic_barraP1};
     }
 };
-
-// The pictures are drawn at this many times their natural size, so that they stay crisp in print.
-inline constexpr int kPictureOversample = 4;
 
 // The form with every picture drawn; made once, on first use, and shared.
 NIMBARA_API const FormImpressao& form_impressao();

@@ -1,7 +1,7 @@
 #pragma once
 // The page surface that prints: each print job (everything up to EndDoc) becomes one PDF, written to a
-// file or handed to the host as bytes, and any page of the current or last job can be rendered to an
-// image or a PNG file for previews.
+// file or handed to the host as bytes, or a batch of jobs becomes one PDF; any page of the current or
+// last job can be rendered to an image or a PNG file for previews.
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -38,6 +38,14 @@ public:
     explicit PdfSurface(const std::filesystem::path& pdf);
     // Every job goes to the sink instead of a file.
     explicit PdfSurface(DocumentSink sink);
+
+    // How a PDF carries its text. Standard (the default): the Times and Helvetica faces every reader
+    // has, with the widths of the Times New Roman and Arial the page is laid out in; nothing is
+    // embedded, so files are small and quick to make, and text is limited to the Western European
+    // characters. Embedded: the system's fonts for those names, embedded, for any character.
+    enum class Faces { Standard, Embedded };
+    // Applies from the next document on.
+    void setFaces(Faces faces);
     ~PdfSurface() override;
     PdfSurface(const PdfSurface&) = delete;
     PdfSurface& operator=(const PdfSurface&) = delete;
@@ -70,6 +78,11 @@ public:
     // leaves no file behind. The file is written under a temporary name in its folder and takes its
     // name only when whole.
     void EndDoc() override;
+
+    // From BeginBatch to EndBatch every job goes into one document, which takes the name of the first
+    // job and is written whole by EndBatch; a batch never ended, or without pages, leaves no file.
+    void BeginBatch();
+    void EndBatch();
 
     // Opens the job's file now rather than at the first drawing call, so that an output place that
     // cannot be written is known before anything is drawn.

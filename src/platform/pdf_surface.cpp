@@ -1,32 +1,22 @@
 #include "nimbara/PdfSurface.hpp"
 #include "foundation/pending_file.hpp"
-#include "platform/picture_art.hpp"
+#include "platform/cairo_pages.hpp"
+#include "platform/page_ops.hpp"
+#include "platform/pdf_writer.hpp"
 
-#include <cairo-pdf.h>
 #include <cairo.h>
-#include <pango/pangocairo.h>
 
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <map>
-#include <numbers>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <unordered_map>
 #include <variant>
 
 namespace nimbara {
 namespace {
-
-constexpr double kTwipsPerPoint = 20.0;
-constexpr double kTwipsPerInch = 1440.0;
-// A printer's device line: one dot at 600 dpi. Previews use one pixel of their own resolution.
-constexpr double kPrinterLineTwips = kTwipsPerInch / 600.0;
-// The hatches of the fill styles are drawn at the screen pitch of 8 pixels at 96 dpi.
-constexpr double kHatchPitchTwips = 8 * 15.0;
 
 struct CairoDeleter {
     void operator()(cairo_t* c) const { cairo_destroy(c); }
@@ -34,28 +24,11 @@ struct CairoDeleter {
 };
 using CairoHandle = std::unique_ptr<cairo_t, CairoDeleter>;
 using SurfaceHandle = std::unique_ptr<cairo_surface_t, CairoDeleter>;
-using SharedSurface = std::shared_ptr<cairo_surface_t>;
-
-struct GObjectDeleter {
-    void operator()(void* o) const { g_object_unref(o); }
-};
-using ContextHandle = std::unique_ptr<PangoContext, GObjectDeleter>;
-using SharedLayout = std::shared_ptr<PangoLayout>;
 
 struct FileCloser {
     void operator()(std::FILE* f) const { std::fclose(f); }
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
-
-struct FontDescDeleter {
-    void operator()(PangoFontDescription* d) const { pango_font_description_free(d); }
-};
-using FontDescHandle = std::unique_ptr<PangoFontDescription, FontDescDeleter>;
-
-void set_colour(cairo_t* cr, Colour c)
-{
-    cairo_set_source_rgb(cr, (c & 0xFF) / 255.0, ((c >> 8) & 0xFF) / 255.0, ((c >> 16) & 0xFF) / 255.0);
-}
 
 // Paper sizes by the printer's numbers, portrait, in millimetres.
 std::optional<std::pair<double, double>> paper_mm(int size)
@@ -72,168 +45,6 @@ std::optional<std::pair<double, double>> paper_mm(int size)
 
 double mm_to_twips(double mm) { return mm / 25.4 * kTwipsPerInch; }
 
-struct Fill {
-    Colour colour;
-    int style;  // 0 solid, 1 transparent, 2 to 7 hatches
-};
-
-struct RectOp {
-    double x1, y1, x2, y2;
-    Colour outline;
-    Fill fill;
-};
-struct EllipseOp {
-    double x, y, rx, ry, start, end;
-    Colour outline;
-    Fill fill;
-};
-struct TextOp {
-    double x, y;
-    Colour colour;
-    SharedLayout layout;
-};
-struct PictureOp {
-    double x, y, scale;
-    SharedSurface image;
-};
-// A stencil of modules, one mask pixel a module, stretched to the module's size without smoothing.
-struct ModulesOp {
-    double x, y, module_width, module_height;
-    SharedSurface mask;
-};
-using Op = std::variant<RectOp, EllipseOp, TextOp, PictureOp, ModulesOp>;
-
-struct Page {
-    double width = 0, height = 0;  // twips
-    std::vector<Op> ops;
-};
-
-// Lines at the hatch pitch across the current path's extents, clipped to the path.
-void hatch(cairo_t* cr, int style, double line)
-{
-    double x1, y1, x2, y2;
-    cairo_save(cr);
-    cairo_clip_preserve(cr);
-    cairo_path_extents(cr, &x1, &y1, &x2, &y2);
-    cairo_new_path(cr);
-    const double span = (x2 - x1) + (y2 - y1);
-    const bool horizontal = style == 2 || style == 6, vertical = style == 3 || style == 6;
-    const bool up = style == 4 || style == 7, down = style == 5 || style == 7;
-    for (double d = 0; d <= span; d += kHatchPitchTwips) {
-        if (horizontal && y1 + d <= y2) cairo_move_to(cr, x1, y1 + d), cairo_line_to(cr, x2, y1 + d);
-        if (vertical && x1 + d <= x2) cairo_move_to(cr, x1 + d, y1), cairo_line_to(cr, x1 + d, y2);
-        if (up) cairo_move_to(cr, x1 + d, y2), cairo_line_to(cr, x1 + d - span, y2 - span);
-        if (down) cairo_move_to(cr, x1 + d, y1), cairo_line_to(cr, x1 + d - span, y1 + span);
-    }
-    cairo_set_line_width(cr, line);
-    cairo_stroke(cr);
-    cairo_restore(cr);
-}
-
-// Fills and outlines the current path as the printer does its boxes and circles.
-void fill_and_outline(cairo_t* cr, const Fill& fill, Colour outline, double line)
-{
-    if (fill.style == 0) {
-        set_colour(cr, fill.colour);
-        cairo_fill_preserve(cr);
-    } else if (fill.style >= 2 && fill.style <= 7) {
-        // The hatch consumes the path; the outline needs it again.
-        std::unique_ptr<cairo_path_t, decltype(&cairo_path_destroy)> path(cairo_copy_path(cr), cairo_path_destroy);
-        set_colour(cr, fill.colour);
-        hatch(cr, fill.style, line);
-        cairo_new_path(cr);
-        cairo_append_path(cr, path.get());
-    }
-    set_colour(cr, outline);
-    cairo_set_line_width(cr, line);
-    cairo_stroke(cr);
-}
-
-struct Replayer {
-    cairo_t* cr;
-    double line;  // a device line in twips
-
-    void operator()(const RectOp& r) const
-    {
-        cairo_rectangle(cr, std::min(r.x1, r.x2), std::min(r.y1, r.y2), std::abs(r.x2 - r.x1), std::abs(r.y2 - r.y1));
-        fill_and_outline(cr, r.fill, r.outline, line);
-    }
-    void operator()(const EllipseOp& e) const
-    {
-        cairo_save(cr);
-        cairo_translate(cr, e.x, e.y);
-        cairo_scale(cr, e.rx, e.ry);
-        if (e.start == e.end) {
-            cairo_new_sub_path(cr);
-            cairo_arc(cr, 0, 0, 1, 0, 2 * std::numbers::pi);
-            cairo_close_path(cr);
-        } else {
-            // Angles run counter-clockwise from three o'clock; a negative one also draws its radius.
-            if (e.start < 0) cairo_move_to(cr, 0, 0);
-            cairo_arc_negative(cr, 0, 0, 1, -std::abs(e.start), -std::abs(e.end));
-            if (e.end < 0) cairo_line_to(cr, 0, 0);
-            if (e.start < 0) cairo_close_path(cr);
-        }
-        cairo_restore(cr);  // the path stays; the outline keeps its device width
-        fill_and_outline(cr, e.fill, e.outline, line);
-    }
-    void operator()(const TextOp& t) const
-    {
-        set_colour(cr, t.colour);
-        cairo_move_to(cr, t.x, t.y);
-        pango_cairo_show_layout(cr, t.layout.get());
-        cairo_new_path(cr);
-    }
-    void operator()(const PictureOp& p) const
-    {
-        cairo_save(cr);
-        cairo_translate(cr, p.x, p.y);
-        cairo_scale(cr, p.scale, p.scale);
-        cairo_set_source_surface(cr, p.image.get(), 0, 0);
-        cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
-        cairo_paint(cr);
-        cairo_restore(cr);
-    }
-    void operator()(const ModulesOp& m) const
-    {
-        cairo_save(cr);
-        cairo_translate(cr, m.x, m.y);
-        cairo_scale(cr, m.module_width, m.module_height);
-        cairo_set_source_rgb(cr, 0, 0, 0);
-        cairo_pattern_t* mask = cairo_pattern_create_for_surface(m.mask.get());
-        cairo_pattern_set_filter(mask, CAIRO_FILTER_NEAREST);
-        cairo_mask(cr, mask);
-        cairo_pattern_destroy(mask);
-        cairo_restore(cr);
-    }
-};
-
-// A solid box outlined in its own colour: a run of them draws the same as one path filled and
-// stroked once, which keeps the PDF's content (and the time to write it) small.
-bool plain_box(const Op& op, Colour colour)
-{
-    const auto* r = std::get_if<RectOp>(&op);
-    return r && r->fill.style == 0 && r->fill.colour == colour && r->outline == colour;
-}
-
-void replay(cairo_t* cr, const Page& page, double line)
-{
-    const Replayer r{cr, line};
-    const auto& ops = page.ops;
-    for (std::size_t i = 0; i < ops.size();) {
-        const auto* first = std::get_if<RectOp>(&ops[i]);
-        if (!first || !plain_box(ops[i], first->outline)) {
-            std::visit(r, ops[i++]);
-            continue;
-        }
-        for (; i < ops.size() && plain_box(ops[i], first->outline); ++i) {
-            const auto& b = std::get<RectOp>(ops[i]);
-            cairo_rectangle(cr, std::min(b.x1, b.x2), std::min(b.y1, b.y2), std::abs(b.x2 - b.x1), std::abs(b.y2 - b.y1));
-        }
-        fill_and_outline(cr, first->fill, first->outline, line);
-    }
-}
-
 std::filesystem::path part_name(const std::filesystem::path& target)
 {
     auto temp = target;
@@ -241,49 +52,15 @@ std::filesystem::path part_name(const std::filesystem::path& target)
     return temp;
 }
 
-// A picture's raster as the printer is given it, kept while the pixels stay the same, so that a
-// document embeds each asset once however many pages show it.
-struct CachedPicture {
-    const std::uint32_t* data;
-    std::vector<std::uint32_t> pixels;
-    SharedSurface surface;
-};
-
-SharedSurface make_image(const Picture& p)
-{
-    const int w = p.width_px * p.oversample, h = p.height_px * p.oversample;
-    if (w <= 0 || h <= 0 || p.argb.size() != static_cast<std::size_t>(w) * h)
-        throw std::invalid_argument("picture \"" + p.name + "\" has no pixels of its stated size");
-    bool opaque = true;
-    for (auto px : p.argb) opaque = opaque && (px >> 24) == 0xFF;
-    SharedSurface s(cairo_image_surface_create(opaque ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, w, h),
-                    cairo_surface_destroy);
-    if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("out of memory for a picture");
-    cairo_surface_flush(s.get());
-    auto* base = cairo_image_surface_get_data(s.get());
-    const int stride = cairo_image_surface_get_stride(s.get());
-    for (int y = 0; y < h; ++y) {
-        auto* row = reinterpret_cast<std::uint32_t*>(base + static_cast<std::ptrdiff_t>(y) * stride);
-        for (int x = 0; x < w; ++x) {
-            const std::uint32_t px = p.argb[static_cast<std::size_t>(y) * w + x];
-            const std::uint32_t a = px >> 24;
-            if (a == 0xFF) {
-                row[x] = px;
-            } else {  // cairo keeps colours premultiplied by alpha
-                auto mul = [a](std::uint32_t c) { return (c * a + 127) / 255; };
-                row[x] = (a << 24) | (mul((px >> 16) & 0xFF) << 16) | (mul((px >> 8) & 0xFF) << 8) | mul(px & 0xFF);
-            }
-        }
-    }
-    cairo_surface_mark_dirty(s.get());
-    return s;
-}
+// The document a job is written into, by the faces it carries.
+using Writer = std::variant<std::unique_ptr<StandardPdfWriter>, std::unique_ptr<CairoPdfWriter>>;
 
 }  // namespace
 
 struct PdfSurface::Impl {
     JobNamer namer;     // jobs go to files...
     DocumentSink sink;  // ...or to the host
+    Faces faces = Faces::Standard;
 
     // Printer state.
     int orientation = 1;
@@ -296,74 +73,36 @@ struct PdfSurface::Impl {
     Fill fill{kBlack, 1};
     int draw_mode = 13;
 
-    // Text machinery: one Pango context; layouts and line heights cached by font and text.
-    ContextHandle pango;
-    std::unordered_map<std::string, SharedLayout> layouts;
-    std::map<std::string, double> line_heights;
-    std::vector<CachedPicture> pictures;
+    // Host rasters, kept while their pixels stay the same, so that a document embeds each once.
+    std::vector<std::shared_ptr<const Picture>> rasters;
+    // Text layouts and rasters for previews and for documents with embedded faces; made on first use.
+    std::unique_ptr<CairoPainter> painter;
 
-    // The job in progress.
+    // The document in progress: one job's, or a batch's.
     int jobs_done = 0;
     bool in_job = false;
+    bool batch = false;
+    int document_pages = 0;  // pages written into the document in progress
+    std::optional<Writer> writer;
+    Faces writer_faces = Faces::Standard;
     std::optional<PendingFile> file;
-    std::string bytes;  // the job's PDF, for a sink
-    std::string write_error;
-    SurfaceHandle pdf;
+    std::string bytes;        // the document, for a sink
+    std::string write_error;  // the first write the file refused; the rest of the document is dropped
     bool page_open = false;
-    std::vector<Page> pages;
+    std::vector<Page> pages;  // of the job in progress, or of the last one
     std::vector<std::filesystem::path> written;
 
-    Impl(JobNamer n, DocumentSink k) : namer(std::move(n)), sink(std::move(k))
+    Impl(JobNamer n, DocumentSink k) : namer(std::move(n)), sink(std::move(k)) {}
+    // A writer may still write as it goes, so it goes before the file it writes to.
+    ~Impl() { writer.reset(); }
+
+    CairoPainter& cairo()
     {
-        pango.reset(pango_font_map_create_context(pango_cairo_font_map_get_default()));
-        // Unhinted metrics, so that widths and positions are the same in the PDF and in every preview.
-        cairo_font_options_t* options = cairo_font_options_create();
-        cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-        cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
-        pango_cairo_context_set_font_options(pango.get(), options);
-        cairo_font_options_destroy(options);
+        if (!painter) painter = std::make_unique<CairoPainter>();
+        return *painter;
     }
 
-    ~Impl() { abandon_job(); }
-
-    std::string font_key() const
-    {
-        return font_name + (bold ? "|b|" : "|n|") + std::to_string(font_size);
-    }
-
-    FontDescHandle font_description() const
-    {
-        FontDescHandle d(pango_font_description_new());
-        pango_font_description_set_family(d.get(), font_name.c_str());
-        pango_font_description_set_weight(d.get(), bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-        pango_font_description_set_absolute_size(d.get(), font_size * kTwipsPerPoint * PANGO_SCALE);
-        return d;
-    }
-
-    SharedLayout layout(std::string_view text)
-    {
-        std::string key = font_key();
-        key += '\n';
-        key += text;
-        if (auto it = layouts.find(key); it != layouts.end()) return it->second;
-        if (layouts.size() > 4096) layouts.clear();
-        SharedLayout l(pango_layout_new(pango.get()), g_object_unref);
-        pango_layout_set_font_description(l.get(), font_description().get());
-        pango_layout_set_text(l.get(), text.data(), static_cast<int>(text.size()));
-        layouts.emplace(std::move(key), l);
-        return l;
-    }
-
-    // One line of the current font: its ascent, descent and line gap.
-    double line_height()
-    {
-        const std::string key = font_key();
-        if (auto it = line_heights.find(key); it != line_heights.end()) return it->second;
-        PangoFontMetrics* m = pango_context_get_metrics(pango.get(), font_description().get(), nullptr);
-        const double h = static_cast<double>(pango_font_metrics_get_height(m)) / PANGO_SCALE;
-        pango_font_metrics_unref(m);
-        return line_heights.emplace(key, h).first->second;
-    }
+    Face face() const { return face_of(font_name, bold); }
 
     std::pair<double, double> page_twips() const
     {
@@ -371,28 +110,10 @@ struct PdfSurface::Impl {
         return orientation == 2 ? std::pair{mm_to_twips(h), mm_to_twips(w)} : std::pair{mm_to_twips(w), mm_to_twips(h)};
     }
 
-    static cairo_status_t write_out(void* closure, const unsigned char* data, unsigned int length)
-    {
-        auto& self = *static_cast<Impl*>(closure);
-        const std::string_view chunk(reinterpret_cast<const char*>(data), length);
-        if (!self.file) {
-            self.bytes.append(chunk);
-            return CAIRO_STATUS_SUCCESS;
-        }
-        try {
-            self.file->write(chunk);
-            return CAIRO_STATUS_SUCCESS;
-        } catch (const std::exception& e) {
-            self.write_error = e.what();
-            return CAIRO_STATUS_WRITE_ERROR;
-        }
-    }
-
     std::filesystem::path job_name(int attempt) const { return namer(jobs_done + 1, attempt); }
 
-    void begin_job()
+    void open_document()
     {
-        if (in_job) return;
         file.reset();
         if (namer) {
             const auto path = job_name(1);
@@ -404,15 +125,38 @@ struct PdfSurface::Impl {
         }
         bytes.clear();
         write_error.clear();
-        const auto [w, h] = page_twips();
-        SurfaceHandle s(cairo_pdf_surface_create_for_stream(write_out, this, w / kTwipsPerPoint, h / kTwipsPerPoint));
-        if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS) {
+        const auto output = [this](std::string_view chunk) { write_out(chunk); };
+        try {
+            if (faces == Faces::Standard)
+                writer.emplace(std::make_unique<StandardPdfWriter>(output));
+            else
+                writer.emplace(std::make_unique<CairoPdfWriter>(output));
+        } catch (...) {
             file.reset();
-            throw std::runtime_error("cannot start a PDF document: " +
-                                     std::string(cairo_status_to_string(cairo_surface_status(s.get()))));
+            throw;
         }
-        cairo_pdf_surface_set_metadata(s.get(), CAIRO_PDF_METADATA_CREATOR, "Guia Nimbara");
-        pdf = std::move(s);
+        writer_faces = faces;
+        document_pages = 0;
+    }
+
+    void write_out(std::string_view chunk)
+    {
+        if (!file) {
+            bytes.append(chunk);
+            return;
+        }
+        if (!write_error.empty()) return;
+        try {
+            file->write(chunk);
+        } catch (const std::system_error& e) {
+            write_error = e.code().message();
+        }
+    }
+
+    void begin_job()
+    {
+        if (in_job) return;
+        if (!writer) open_document();
         pages.clear();
         page_open = false;
         in_job = true;
@@ -424,6 +168,8 @@ struct PdfSurface::Impl {
         if (!page_open) {
             const auto [w, h] = page_twips();
             pages.push_back(Page{w, h, {}});
+            // A Guia's page is some fifteen hundred calls: grown once, not copied again and again.
+            pages.back().ops.reserve(2048);
             page_open = true;
         }
         return pages.back();
@@ -431,63 +177,62 @@ struct PdfSurface::Impl {
 
     void finish_page()
     {
-        const Page& p = pages.back();
-        cairo_pdf_surface_set_size(pdf.get(), p.width / kTwipsPerPoint, p.height / kTwipsPerPoint);
-        CairoHandle cr(cairo_create(pdf.get()));
-        cairo_scale(cr.get(), 1 / kTwipsPerPoint, 1 / kTwipsPerPoint);
-        replay(cr.get(), p, kPrinterLineTwips);
-        cairo_show_page(cr.get());
+        ++document_pages;
+        std::visit([&](auto& w) { w->add_page(pages.back()); }, *writer);
         page_open = false;
+    }
+
+    std::string place() const { return namer ? "\"" + job_name(1).string() + "\"" : std::string("the PDF"); }
+
+    // Writes the document out: to its file under its first free name, or to the sink.
+    void close_document()
+    {
+        try {
+            std::visit([](auto& w) { w->finish(); }, *writer);
+        } catch (const std::exception& e) {
+            writer.reset();
+            file.reset();
+            throw std::runtime_error("cannot write " + place() + ": " + e.what());
+        }
+        writer.reset();
+        if (!file) {
+            ++jobs_done;
+            sink(jobs_done, std::move(bytes));
+            bytes.clear();
+            return;
+        }
+        if (!write_error.empty()) {
+            file.reset();
+            throw std::runtime_error("cannot write " + place() + ": " + write_error);
+        }
+        try {
+            written.push_back(file->publish([this](int attempt) { return job_name(attempt); }));
+        } catch (const std::system_error& e) {
+            const std::string where = place();
+            file.reset();
+            throw std::runtime_error("cannot write " + where + ": " + e.code().message());
+        }
+        file.reset();
+        ++jobs_done;
     }
 
     void end_job()
     {
         if (!in_job) return;
         if (page_open) finish_page();
-        cairo_surface_finish(pdf.get());
-        const auto status = cairo_surface_status(pdf.get());
-        pdf.reset();
         in_job = false;
-        const std::string place = namer ? "\"" + job_name(1).string() + "\"" : std::string("the PDF");
-        if (status != CAIRO_STATUS_SUCCESS) {
-            file.reset();
-            throw std::runtime_error("cannot write " + place + ": " +
-                                     (write_error.empty() ? std::string(cairo_status_to_string(status)) : write_error));
-        }
-        ++jobs_done;
-        if (!file) {
-            sink(jobs_done, std::move(bytes));
-            bytes.clear();
-            return;
-        }
-        try {
-            written.push_back(file->publish([this](int attempt) { return namer(jobs_done, attempt); }));
-        } catch (const std::system_error& e) {
-            file.reset();
-            --jobs_done;
-            throw std::runtime_error("cannot write " + place + ": " + e.code().message());
-        }
-        file.reset();
+        if (!batch) close_document();
     }
 
-    // A job never ended leaves no file.
-    void abandon_job()
+    std::shared_ptr<const Picture> raster(const Picture& p)
     {
-        if (!in_job) return;
-        pdf.reset();
-        file.reset();
-        bytes.clear();
-        in_job = false;
-    }
-
-    SharedSurface picture_surface(const Picture& p)
-    {
-        for (const auto& c : pictures)
-            if (c.data == p.argb.data() && c.pixels == p.argb) return c.surface;
-        if (pictures.size() > 64) pictures.clear();
-        auto surface = make_image(p);
-        pictures.push_back({p.argb.data(), p.argb, surface});
-        return surface;
+        for (const auto& r : rasters)
+            if (r->argb.data() == p.argb.data() && r->argb == p.argb) return r;
+        const int w = p.width_px * p.oversample, h = p.height_px * p.oversample;
+        if (w <= 0 || h <= 0 || p.argb.size() != static_cast<std::size_t>(w) * h)
+            throw std::invalid_argument("picture \"" + p.name + "\" has no pixels of its stated size");
+        if (rasters.size() > 64) rasters.clear();
+        return rasters.emplace_back(std::make_shared<const Picture>(p));
     }
 
     void require_copy_pen(const char* what) const
@@ -568,17 +313,33 @@ double PdfSurface::CurrentY() const { return impl_->y; }
 // Text is drawn whatever the draw mode, as the printer's text output ignores it.
 void PdfSurface::Print(std::string_view text)
 {
-    auto& page = impl_->page();
-    if (!text.empty()) page.ops.push_back(TextOp{impl_->x, impl_->y, impl_->fore, impl_->layout(text)});
-    impl_->x = 0;
-    impl_->y += impl_->line_height();
+    auto& state = *impl_;
+    auto& page = state.page();
+    if (!text.empty()) {
+        TextOp op{state.x, state.y, state.fore, state.font_name, state.bold, state.font_size, state.face(), std::string(text), {}};
+        if (state.writer_faces == Faces::Standard) {
+            auto encoded = to_win_ansi(text);
+            if (!encoded)
+                throw std::invalid_argument("text \"" + op.text +
+                                            "\" has a character that the standard faces lack (print with embedded faces)");
+            op.win_ansi = std::move(*encoded);
+        }
+        page.ops.push_back(std::move(op));
+    }
+    state.x = 0;
+    state.y += line_height_em(state.face()) * state.font_size * kTwipsPerPoint;
 }
 
+// Measured as the document in progress, or else the next one, draws it.
 double PdfSurface::TextWidth(std::string_view text)
 {
-    PangoRectangle logical;
-    pango_layout_get_extents(impl_->layout(text).get(), nullptr, &logical);
-    return static_cast<double>(logical.width) / PANGO_SCALE;
+    auto& state = *impl_;
+    if ((state.writer ? state.writer_faces : state.faces) == Faces::Embedded)
+        return state.cairo().text_width(TextOp{0, 0, state.fore, state.font_name, state.bold, state.font_size, state.face(),
+                                               std::string(text), {}});
+    const auto encoded = to_win_ansi(text);
+    if (!encoded) throw std::invalid_argument("text \"" + std::string(text) + "\" has a character that the standard faces lack");
+    return text_width_em(state.face(), *encoded) * state.font_size * kTwipsPerPoint;
 }
 
 void PdfSurface::Line(int flags, double x1, double y1, double x2, double y2, Colour)
@@ -599,28 +360,20 @@ void PdfSurface::Circle(int, double x, double y, double radius, Colour, double s
 
 void PdfSurface::PaintPicture(const Picture& picture, double x, double y)
 {
-    // A drawing stays vectors in the PDF and costs no raster compression per job.
+    // A drawing stays vectors in the PDF; a host's raster is embedded once per document.
     if (picture.art) {
-        impl_->page().ops.push_back(PictureOp{x, y, 15.0, picture.art->recording});
+        impl_->page().ops.push_back(PictureOp{x, y, picture.art, nullptr});
         return;
     }
-    auto image = impl_->picture_surface(picture);
-    impl_->page().ops.push_back(PictureOp{x, y, 15.0 / picture.oversample, std::move(image)});
+    auto raster = impl_->raster(picture);
+    impl_->page().ops.push_back(PictureOp{x, y, nullptr, std::move(raster)});
 }
 
 // One stencil for the whole symbol: a PDF holds it as a small image rather than thousands of boxes.
 void PdfSurface::PaintModules(const ModuleMatrix& modules, double x, double y, double module_width, double module_height)
 {
     if (modules.rows <= 0 || modules.columns <= 0) return;
-    SharedSurface mask(cairo_image_surface_create(CAIRO_FORMAT_A8, modules.columns, modules.rows), cairo_surface_destroy);
-    if (cairo_surface_status(mask.get()) != CAIRO_STATUS_SUCCESS) throw std::runtime_error("out of memory for a symbol");
-    cairo_surface_flush(mask.get());
-    auto* base = cairo_image_surface_get_data(mask.get());
-    const int stride = cairo_image_surface_get_stride(mask.get());
-    for (int r = 0; r < modules.rows; ++r)
-        for (int c = 0; c < modules.columns; ++c) base[r * stride + c] = modules.is_dark(r, c) ? 0xFF : 0;
-    cairo_surface_mark_dirty(mask.get());
-    impl_->page().ops.push_back(ModulesOp{x, y, module_width, module_height, std::move(mask)});
+    impl_->page().ops.push_back(ModulesOp{x, y, module_width, module_height, std::make_shared<const ModuleMatrix>(modules)});
 }
 
 void PdfSurface::NewPage()
@@ -633,13 +386,38 @@ void PdfSurface::EndDoc() { impl_->end_job(); }
 
 void PdfSurface::StartDoc() { impl_->begin_job(); }
 
+void PdfSurface::setFaces(Faces faces) { impl_->faces = faces; }
+
+void PdfSurface::BeginBatch()
+{
+    if (impl_->batch) return;
+    impl_->end_job();
+    impl_->batch = true;
+    impl_->open_document();
+}
+
+void PdfSurface::EndBatch()
+{
+    auto& state = *impl_;
+    if (!state.batch) return;
+    state.end_job();
+    state.batch = false;
+    if (state.document_pages == 0) {
+        // A PDF without pages is no document: nothing is written.
+        state.writer.reset();
+        state.file.reset();
+        return;
+    }
+    state.close_document();
+}
+
 int PdfSurface::page_count() const { return static_cast<int>(impl_->pages.size()); }
 
 const std::vector<std::filesystem::path>& PdfSurface::written() const { return impl_->written; }
 
 namespace {
 
-SurfaceHandle render_surface(const std::vector<Page>& pages, int number, double dpi)
+SurfaceHandle render_surface(CairoPainter& painter, const std::vector<Page>& pages, int number, double dpi)
 {
     if (number < 1 || number > static_cast<int>(pages.size()))
         throw std::out_of_range("page " + std::to_string(number) + " is not one of the " + std::to_string(pages.size()) + " pages");
@@ -654,7 +432,7 @@ SurfaceHandle render_surface(const std::vector<Page>& pages, int number, double 
     cairo_set_source_rgb(cr.get(), 1, 1, 1);
     cairo_paint(cr.get());
     cairo_scale(cr.get(), scale, scale);
-    replay(cr.get(), page, 1 / scale);
+    painter.paint(cr.get(), page, 1 / scale);
     cairo_surface_flush(s.get());
     return s;
 }
@@ -663,7 +441,7 @@ SurfaceHandle render_surface(const std::vector<Page>& pages, int number, double 
 
 RasterImage PdfSurface::render(int page, double dpi) const
 {
-    const auto s = render_surface(impl_->pages, page, dpi);
+    const auto s = render_surface(impl_->cairo(), impl_->pages, page, dpi);
     RasterImage out{cairo_image_surface_get_width(s.get()), cairo_image_surface_get_height(s.get()), {}};
     out.rgb.resize(static_cast<std::size_t>(out.width) * out.height);
     const auto* base = cairo_image_surface_get_data(s.get());
@@ -677,7 +455,7 @@ RasterImage PdfSurface::render(int page, double dpi) const
 
 void PdfSurface::render_png(int page, double dpi, const std::filesystem::path& png) const
 {
-    const auto s = render_surface(impl_->pages, page, dpi);
+    const auto s = render_surface(impl_->cairo(), impl_->pages, page, dpi);
     // Encoded in memory first, so that a write that fails is told by its own cause, not cairo's.
     std::string bytes;
     const auto append = [](void* closure, const unsigned char* data, unsigned int length) {

@@ -96,3 +96,26 @@ TEST(PrintPdf, EachCopyIsAFileAndNoneIsOverwritten)
         EXPECT_EQ(second.substr(45, 4) + second.substr(85, 2), "020202") << name << ' ' << second;
     }
 }
+
+TEST(PrintPdf, OneFileHoldsEveryPassingGuiaInTurnAndNothingWhenNonePasses)
+{
+    nimbara::testing::TempFolder folder;
+    const auto batch = folder.path() / "batch.pdf";
+    const auto r = run("print " + example("valid-guia.json") + " " + example("line-errors.json") + " " +
+                       example("fourteen-lines.json") + " --one-file " + batch.string() + " --report-dir " +
+                       folder.path().string());
+    EXPECT_EQ(r.status, 1) << "the worst of the Guias: one failed\n" << r.err;
+    ASSERT_TRUE(fs::exists(batch)) << r.err;
+    EXPECT_EQ(r.err, "nimbara print: printed " + batch.string() + "\n");
+    ASSERT_EQ(pages_of(batch), 3) << "one page, then the failing Guia's none, then two";
+    EXPECT_EQ(symbol_of(batch, 1, folder.path()), kValidGuia);
+    EXPECT_EQ(symbol_of(batch, 3, folder.path()).substr(45, 4), "0202");
+    for (const auto& entry : fs::directory_iterator(folder.path()))
+        EXPECT_FALSE(entry.path().extension() == ".pdf" && entry.path() != batch) << entry.path();
+
+    const auto none = folder.path() / "none.pdf";
+    const auto failed = run("print " + example("line-errors.json") + " --one-file " + none.string() + " --report-dir " +
+                            folder.path().string());
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_FALSE(fs::exists(none)) << "a PDF without pages is no document";
+}

@@ -131,6 +131,7 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
     if (run.printing) {
         guia.setPrintFolder(run.out_dir ? usable_folder("output folder", *run.out_dir) : reports);
         guia.setPrintLog(run.print_log ? fs::path(*run.print_log) : default_print_log());
+        if (run.printer) guia.setPrinter(run.printer);
     }
     if (const auto refused = fill_guia(guia, file)) throw Refusal{source + ": " + *refused};
 
@@ -150,8 +151,9 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
 
     int status = outcome.errors ? 1 : 0;
     if (status == 0 && run.printing) {
+        // A shared printer's file is told by whoever holds it.
         const bool whole = problems.empty() && outcome.print_failures.empty() && outcome.copies > 0 &&
-                           outcome.printed.size() == static_cast<std::size_t>(outcome.copies);
+                           (run.printer || outcome.printed.size() == static_cast<std::size_t>(outcome.copies));
         if (!whole) status = 3;
     }
     if (run.json) {
@@ -173,9 +175,15 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
 
 }  // namespace
 
-void add_guia_options(CLI::App& cmd, GuiaRun& r)
+void add_guia_options(CLI::App& cmd, GuiaRun& r, bool many)
 {
-    cmd.add_option("GUIA", r.file, "The Guia file (JSON); - reads standard input")->required();
+    cmd.add_option("GUIA", r.files, many ? "The Guia files (JSON), handled in turn; - reads standard input"
+                                         : "The Guia file (JSON); - reads standard input")
+        ->required()
+        ->expected(1, many ? -1 : 1);
+    cmd.parse_complete_callback([&r] {
+        if (!r.files.empty()) r.file = r.files.front();
+    });
     cmd.add_option("--report-dir", r.report_dir, "Folder of the report, created if missing (default: the current folder)");
     cmd.add_flag("--json", r.json, "Write the result as JSON: answer, report, PDFs, errors with their place");
     cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");

@@ -3,14 +3,19 @@
 // and write its answer.
 #include <CLI/CLI.hpp>
 
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
+
+#include "nimbara/PageSurface.hpp"
 
 namespace nimbara::cli {
 
 struct GuiaRun {
-    std::string file;                       // "-" reads standard input
+    std::vector<std::string> files;         // "-" reads standard input
+    std::string file;                       // the one in hand
     std::optional<std::string> report_dir;  // the current folder when not given
     std::optional<std::string> out_dir;     // where printed copies go; the report folder when not given
     std::optional<std::string> print_log;   // beside the program, or under $XDG_STATE_HOME/nimbara
@@ -19,14 +24,17 @@ struct GuiaRun {
     bool json = false;
     bool quiet = false;
     bool verbose = false;
+    // The printer every Guia shares (a batch), instead of a PDF file per copy.
+    std::shared_ptr<PageSurface> printer;
 };
 
-// The options both commands take.
-void add_guia_options(CLI::App& command, GuiaRun& run);
+// The options both commands take; `many` lets the command take several Guia files.
+void add_guia_options(CLI::App& command, GuiaRun& run, bool many = false);
 
 // Exit status: 0 when the Guia passed (and printed whole), 1 when a line or the Guia failed, 2 when
 // the input or an output place is refused (a message on `err`, nothing written), 3 when the Guia
 // passed but could not be printed whole (the report is written; the message names the field and line).
+// Runs `run.file`.
 int run_guia(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command);
 
 }  // namespace nimbara::cli
