@@ -123,7 +123,8 @@ const std::vector<Table>& tables()
 constexpr const char* kIndexes[] = {
     "CREATE INDEX ix_Cliente_Cod ON Tbl_Cliente (Cod_Cliente)",
     "CREATE INDEX ix_Cab_Cliente ON Tbl_Cab (Id_Cliente, N_Req2)",
-    "CREATE INDEX ix_Cab_Cliente_Ano ON Tbl_Cab (Id_Cliente, D_Req)",
+    // The year's highest number of a client is read from the index alone, however many Guias it has.
+    "CREATE INDEX ix_Cab_Cliente_Ano ON Tbl_Cab (Id_Cliente, D_Req, Id_Req_Anual)",
     "CREATE INDEX ix_Cab_Contrato ON Tbl_Cab (Id_Cliente, Cod_Contrato)",
     "CREATE INDEX ix_Cab_Data ON Tbl_Cab (D_Req)",
     "CREATE INDEX ix_Temp_NReq ON Tbl_Temp_Val_Guia (N_Req)",
