@@ -19,9 +19,9 @@ constexpr std::size_t kSlots = 64;
 constexpr std::size_t kPathMax = 4096;
 struct Slot {
     std::atomic<bool> used{false};
-    char path[kPathMax];
+    char path[kPathMax]{};
 };
-std::array<Slot, kSlots> g_slots;
+constinit std::array<Slot, kSlots> g_slots;
 std::mutex g_slots_mutex;
 
 Slot* claim_slot(const std::string& path)
@@ -35,6 +35,13 @@ Slot* claim_slot(const std::string& path)
         return &s;
     }
     return nullptr;  // more live temporaries than slots: only the signal cleanup misses them
+}
+
+void release(Slot* slot)
+{
+    if (!slot) return;
+    const std::lock_guard lock(g_slots_mutex);
+    slot->used.store(false);
 }
 
 void release_slot(const std::string& path)
@@ -57,17 +64,24 @@ void release_slot(const std::string& path)
 PendingFile::PendingFile(const std::filesystem::path& folder)
 {
     std::string pattern = (folder.empty() ? std::filesystem::path(".") : folder) / ".nimbara-XXXXXX.part";
-    const int fd = ::mkstemps(pattern.data(), 5);
-    if (fd < 0) fail(errno, "cannot write in the folder \"" + folder.string() + "\"");
+    // The slot is claimed before the file exists and the name is made inside it, so that a signal at
+    // any moment finds every temporary this process has made.
+    Slot* slot = claim_slot(pattern);
+    char* name = slot ? slot->path : pattern.data();
+    const int fd = ::mkstemps(name, 5);
+    if (fd < 0) {
+        const int error = errno;
+        release(slot);
+        fail(error, "cannot write in the folder \"" + folder.string() + "\"");
+    }
+    temporary_ = name;
     stream_ = ::fdopen(fd, "wb");
     if (!stream_) {
         const int error = errno;
         ::close(fd);
-        ::unlink(pattern.c_str());
+        discard();
         fail(error, "cannot write in the folder \"" + folder.string() + "\"");
     }
-    temporary_ = pattern;
-    claim_slot(pattern);
 }
 
 PendingFile::~PendingFile() { discard(); }
