@@ -33,6 +33,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The failure of a statement run through execute_queued, named by the label it was queued with,
+// wherever it shows.
+class NIMBARA_API QueuedStatementFailed : public DatabaseError {
+public:
+    using DatabaseError::DatabaseError;
+};
+
 enum class StoreKind { SQLite, PostgreSQL };
 
 // How a transaction begins. `Numbering` serialises the writers that take new numbers, so that two
@@ -60,10 +67,16 @@ public:
     // store on a server may send it together with the statements that follow, so that a save of many
     // rows waits for the server once rather than once a row; its failure then shows at the next
     // statement, query or commit on this connection, and the transaction rolls back as a whole.
-    virtual void execute_queued(std::string_view sql, std::span<const FieldValue> values) { execute(sql, values); }
+    // Its failure is a QueuedStatementFailed whose message begins with `label` (a row of an import,
+    // say), so that it names what failed wherever it shows.
+    virtual void execute_queued(std::string_view sql, std::span<const FieldValue> values, std::string_view label);
+    void execute_queued(std::string_view sql, std::span<const FieldValue> values)
+    {
+        execute_queued(sql, values, {});
+    }
     void execute_queued(std::string_view sql, std::initializer_list<FieldValue> values)
     {
-        execute_queued(sql, std::span<const FieldValue>(values.begin(), values.size()));
+        execute_queued(sql, std::span<const FieldValue>(values.begin(), values.size()), {});
     }
 
     // Runs a query and reads its whole result.

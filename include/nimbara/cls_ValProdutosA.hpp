@@ -63,8 +63,9 @@ public:
     // Judges lines and lists possible values with the compiled-in catalogue.
     cls_ValProdutosA() = default;
     // Judges lines and lists possible values with the catalogue given, such as one built from the
-    // rule rows of another source; the object keeps a copy.
-    explicit cls_ValProdutosA(const validation::RuleCatalogue& catalogue);
+    // rule rows of another source; the object keeps a copy. The catalogue's type is internal, so
+    // only the library's own code (the database road) builds one.
+    NIMBARA_LOCAL explicit cls_ValProdutosA(const validation::RuleCatalogue& catalogue);
 
     // Judges one product line: nothing when exactly one active rule of the product accepts every
     // value and the special services pass, else the first error met in the fixed order of checks.
@@ -193,7 +194,7 @@ public:
     void setNotifier(Notifier* host) { notifier_ = host; }
 
 private:
-    const validation::RuleCatalogue& catalogue() const;
+    NIMBARA_LOCAL const validation::RuleCatalogue& catalogue() const;
 
     std::shared_ptr<const validation::RuleCatalogue> catalogue_;  // none for the compiled-in one
     GuiaArrays arrays_;

@@ -46,12 +46,17 @@ public:
             const Column& c = table_.columns[i];
             try {
                 values_[i] = value(c, row);
+            } catch (const QueuedStatementFailed& e) {
+                throw CopyFailed(e.what());  // an earlier row's insert, which names its row
             } catch (const std::exception& e) {
                 throw CopyFailed(where(row) + ", column " + c.name + source_name(c) + ": " + e.what());
             }
         }
+        // Sent with the rows that follow on a server; a failure names its own row when it shows.
         try {
-            target_.execute(sql_, values_);
+            target_.execute_queued(sql_, values_, where(row));
+        } catch (const QueuedStatementFailed& e) {
+            throw CopyFailed(e.what());
         } catch (const std::exception& e) {
             throw CopyFailed(where(row) + ": " + e.what());
         }

@@ -102,10 +102,10 @@ public:
         return *n ? std::stoll(n) : 0;
     }
 
-    void execute_queued(std::string_view sql, std::span<const FieldValue> values) override
+    void execute_queued(std::string_view sql, std::span<const FieldValue> values, std::string_view label) override
     {
         if (!in_transaction() || changes_schema(sql)) {
-            execute(sql, values);
+            Database::execute_queued(sql, values, label);
             return;
         }
         if (!pipelined_) {
@@ -114,7 +114,7 @@ public:
             pipelined_ = true;
         }
         send(sql, values);
-        queued_.emplace_back(sql);
+        queued_.push_back({std::string(sql), std::string(label)});
         // The server's answers wait in its send buffer until they are read: read them now and then.
         if (queued_.size() >= kMostQueued) flush();
     }
@@ -216,10 +216,10 @@ private:
     void flush()
     {
         if (!pipelined_) return;
-        std::deque<std::string> queued = std::move(queued_);
+        std::deque<Queued> queued = std::move(queued_);
         queued_.clear();
         pipelined_ = false;
-        std::optional<DatabaseError> failure;
+        std::optional<QueuedStatementFailed> failure;
         if (PQpipelineSync(conn_.get()) != 1) {
             failure.emplace("cannot send the queued statements: " + trimmed(PQerrorMessage(conn_.get())));
         } else {
@@ -238,9 +238,12 @@ private:
                 after_end = false;
                 const auto status = PQresultStatus(r.get());
                 if (status == PGRES_PIPELINE_SYNC) break;
-                const std::string sql = queued.empty() ? std::string() : std::move(queued.front());
+                const Queued statement = queued.empty() ? Queued{} : std::move(queued.front());
                 if (!queued.empty()) queued.pop_front();
-                if (!failure && status == PGRES_FATAL_ERROR) failure.emplace(error_of(r.get(), sql));
+                if (!failure && status == PGRES_FATAL_ERROR) {
+                    const std::string why = error_of(r.get(), statement.sql).what();
+                    failure.emplace(statement.label.empty() ? why : statement.label + ": " + why);
+                }
             }
         }
         PQexitPipelineMode(conn_.get());
@@ -313,7 +316,7 @@ private:
             // Prepared in the queue, ahead of its first run; its answer is read with the others.
             if (!PQsendPrepare(conn_.get(), name.c_str(), text.c_str(), n, types.data()))
                 throw DatabaseError(trimmed(PQerrorMessage(conn_.get())) + " (in: " + std::string(sql) + ")");
-            queued_.emplace_back(sql);
+            queued_.push_back({std::string(sql), {}});
             unconfirmed_.push_back(key);
         } else {
             const Result r(PQprepare(conn_.get(), name.c_str(), text.c_str(), n, types.data()));
@@ -340,7 +343,11 @@ private:
     std::uint64_t prepared_count_ = 0;
     // Statements sent in the queue whose answers are not read yet, in order, for naming a failure.
     bool pipelined_ = false;
-    std::deque<std::string> queued_;
+    struct Queued {
+        std::string sql;
+        std::string label;
+    };
+    std::deque<Queued> queued_;
     std::vector<std::string> unconfirmed_;  // keys of prepared_ made in the current queue
 };
 

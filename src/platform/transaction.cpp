@@ -2,6 +2,15 @@
 
 namespace nimbara {
 
+void Database::execute_queued(std::string_view sql, std::span<const FieldValue> values, std::string_view label)
+{
+    try {
+        execute(sql, values);
+    } catch (const DatabaseError& e) {
+        throw QueuedStatementFailed(label.empty() ? std::string(e.what()) : std::string(label) + ": " + e.what());
+    }
+}
+
 Transaction::Transaction(Database& db, TransactionMode mode) : db_(db), outermost_(db.depth_ == 0)
 {
     if (outermost_) {
