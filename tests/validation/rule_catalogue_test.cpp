@@ -47,6 +47,7 @@ std::string show(const nimbara::validation::PossibleValues& v)
 }
 
 using nimbara::testing::show;
+
 }  // namespace
 
 TEST(RuleCatalogue, BuiltFromTheCompiledRowsHasTheSameTables)
