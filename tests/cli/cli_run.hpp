@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 namespace nimbara::testing {
 
@@ -41,6 +42,21 @@ inline Run run(const std::string& args, const std::string& input = "")
     std::filesystem::remove(in);
     std::filesystem::remove(err);
     return {WEXITSTATUS(status), out, err_text};
+}
+
+// The report an answer names between <LOG_FILE> and </LOG_FILE>.
+inline std::string answer_log(const std::string& answer)
+{
+    const auto from = answer.find("<LOG_FILE>") + 10;
+    return answer.substr(from, answer.find("</LOG_FILE>") - from);
+}
+
+// The files of a folder whose names start with `prefix`.
+inline std::size_t count_files(const std::filesystem::path& dir, std::string_view prefix)
+{
+    std::size_t n = 0;
+    for (const auto& e : std::filesystem::directory_iterator(dir)) n += e.path().filename().string().starts_with(prefix);
+    return n;
 }
 
 inline std::string example(const std::string& name) { return std::string(NIMBARA_SOURCE_DIR) + "/examples/" + name; }

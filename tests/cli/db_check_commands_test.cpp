@@ -29,12 +29,6 @@ protected:
     {
         return run("db " + args + " --db '" + scratch->conn() + "'", input);
     }
-    std::string write(const std::string& name, const std::string& content)
-    {
-        const auto path = (folder.path() / name).string();
-        std::ofstream(path) << content;
-        return path;
-    }
     nimbara::testing::TempFolder folder{"db-check-" + std::to_string(static_cast<int>(GetParam()))};
 };
 
@@ -44,7 +38,7 @@ INSTANTIATE_TEST_SUITE_P(Stores, DbCheckCommandsTest, kBothStores, store_name);
 
 TEST_P(DbCheckCommandsTest, ChecksAStoredGuiaLineByLineThenWhole)
 {
-    const auto client = program("client save " + write("client.json", R"({"vCod_Cliente": "456", "vNome": "X",
+    const auto client = program("client save " + folder.write("client.json", R"({"vCod_Cliente": "456", "vNome": "X",
         "contratos": [{"vCodContrato": "300042", "bActivo": true}]})"));
     ASSERT_EQ(client.status, 0) << client.err;
     // The example as it stands: line 1 sits on the bound of two C01 steps, line 3 (E01) has a rule
@@ -59,7 +53,7 @@ TEST_P(DbCheckCommandsTest, ChecksAStoredGuiaLineByLineThenWhole)
     json guia = json::parse(std::ifstream(example("valid-guia.json")));
     guia["produtos"] = json::array({guia["produtos"][1]});
     guia["servicos"] = json::array({guia["servicos"][0], guia["servicos"][1]});
-    ASSERT_EQ(program("save " + write("c13.json", guia.dump())).status, 0);
+    ASSERT_EQ(program("save " + folder.write("c13.json", guia.dump())).status, 0);
     r = program("check 2");
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "0\n0\n");
@@ -88,7 +82,7 @@ TEST_P(DbCheckCommandsTest, ChecksLinesAgainstTheTablesWithTheBatchRules)
     auto r = program("check-lines", input);
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, expected);
-    EXPECT_EQ(program("check-lines " + write("lines.tsv", input)).out, expected);
+    EXPECT_EQ(program("check-lines " + folder.write("lines.tsv", input)).out, expected);
 
     r = program("check-lines", "C01\t01\t20\t0\t01\tsim\t0\t0\t0\t0\nC01\t01\t20\t0\t01\t1\t0\t0\t0\n" + input);
     EXPECT_EQ(r.status, 2);

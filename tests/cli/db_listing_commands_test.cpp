@@ -8,18 +8,16 @@
 using nimbara::testing::kBothStores;
 using nimbara::testing::run;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
 namespace {
 
-class DbListingTest : public StoreTest {
+class DbListingTest : public SeededStoreTest {
 protected:
     void SetUp() override
     {
-        StoreTest::SetUp();
-        if (IsSkipped() || HasFailure()) return;
-        create_schema();
-        nimbara::testing::store_listing_guias(db);
+        SeededStoreTest::SetUp();
+        if (!IsSkipped() && !HasFailure()) nimbara::testing::store_listing_guias(db);
     }
     nimbara::testing::Run program(const std::string& args) { return run("db " + args + " --db '" + scratch->conn() + "'"); }
 };

@@ -6,6 +6,7 @@
 #include "cli_run.hpp"
 #include "support/temp_folder.hpp"
 
+using nimbara::testing::answer_log;
 using nimbara::testing::example;
 using nimbara::testing::run;
 namespace fs = std::filesystem;
@@ -14,28 +15,12 @@ namespace {
 
 class GuiaCommands : public ::testing::Test {
 protected:
-    std::string write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(dir_ / name) << text;
-        return (dir_ / name).string();
-    }
-    int reports() const
-    {
-        int n = 0;
-        for (const auto& e : fs::directory_iterator(dir_)) n += e.path().filename().string().starts_with("ErrosGuia_");
-        return n;
-    }
+    std::size_t reports() const { return nimbara::testing::count_files(dir_, "ErrosGuia_"); }
     std::string report_dir() const { return " --report-dir " + dir_.string(); }
 
     nimbara::testing::TempFolder folder_;
     const fs::path& dir_ = folder_.path();
 };
-
-std::string answer_log(const std::string& answer)
-{
-    const auto from = answer.find("<LOG_FILE>") + 10;
-    return answer.substr(from, answer.find("</LOG_FILE>") - from);
-}
 
 }  // namespace
 
@@ -68,7 +53,7 @@ TEST_F(GuiaCommands, OnlyPrinterWritesNoReport)
     const auto r = run("print --only-printer " + example("line-errors.json") + report_dir());
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "<LIST><ITEM><ERRO_ID>0</ERRO_ID><LOG_FILE></LOG_FILE></ITEM></LIST>\n");
-    EXPECT_EQ(reports(), 0);
+    EXPECT_EQ(reports(), 0u);
 }
 
 TEST_F(GuiaCommands, BadFilesAreRefusedNamingThePlace)
@@ -89,19 +74,19 @@ TEST_F(GuiaCommands, BadFilesAreRefusedNamingThePlace)
         {"pre-treatment missing", R"({"produtos": [{"B_Produto": "C01"}]})", "PreTratamento must be a number, found \"\""},
     };
     for (const auto& c : cases) {
-        const auto file = write("bad.json", c.text);
+        const auto file = folder_.write("bad.json", c.text);
         const auto r = run("check " + file + report_dir());
         EXPECT_EQ(r.status, 2) << c.what;
         EXPECT_EQ(r.out, "") << c.what;
         EXPECT_NE(r.err.find(file), std::string::npos) << c.what << ": " << r.err;
         EXPECT_NE(r.err.find(c.place), std::string::npos) << c.what << ": " << r.err;
     }
-    EXPECT_EQ(reports(), 0) << "a refused file leaves no report";
+    EXPECT_EQ(reports(), 0u) << "a refused file leaves no report";
 }
 
 TEST_F(GuiaCommands, NumbersAreTakenAsText)
 {
-    const auto file = write("numbers.json", R"({"cabecalho": {"cb_NDoc": 2026, "cb_CodCliente": 4.5},
+    const auto file = folder_.write("numbers.json", R"({"cabecalho": {"cb_NDoc": 2026, "cb_CodCliente": 4.5},
         "produtos": [{"A_Zona_Taxacao": "01", "B_Produto": "C01", "E_Velocidade": 0, "D_Quantidade": 300,
                       "N_Linha": 1, "ListaServesp": 0, "CodAmbitoDist": 0, "Escalao": 50, "Formato": "02",
                       "PreTratamento": 1, "Desconto": 0}]})");

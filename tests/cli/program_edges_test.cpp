@@ -17,6 +17,8 @@
 #include "nimbara/guia_file.hpp"
 #include "support/temp_folder.hpp"
 
+using nimbara::testing::answer_log;
+using nimbara::testing::count_files;
 using nimbara::testing::example;
 using nimbara::testing::run;
 namespace fs = std::filesystem;
@@ -25,24 +27,6 @@ namespace {
 
 nimbara::GuiaFile valid() { return nimbara::read_guia_file(example("valid-guia.json")); }
 
-std::string write(const fs::path& path, const std::string& text)
-{
-    std::ofstream(path) << text;
-    return path.string();
-}
-
-std::string answer_log(const std::string& answer)
-{
-    const auto from = answer.find("<LOG_FILE>") + 10;
-    return answer.substr(from, answer.find("</LOG_FILE>") - from);
-}
-
-std::size_t count(const fs::path& dir, std::string_view prefix)
-{
-    std::size_t n = 0;
-    for (const auto& e : fs::directory_iterator(dir)) n += e.path().filename().string().starts_with(prefix);
-    return n;
-}
 
 }  // namespace
 
@@ -72,12 +56,12 @@ TEST(ProgramEdges, WhatCannotPrintWholeIsNamed)
         nimbara::testing::TempFolder folder;
         auto guia = valid();
         c.change(guia);
-        const auto file = write(folder.path() / "guia.json", nimbara::write_guia_file(guia));
+        const auto file = folder.write("guia.json", nimbara::write_guia_file(guia));
         const auto r = run("print " + file + " --report-dir " + folder.path().string() + " --out-dir " +
                            (folder.path() / "pdf").string() + " --print-log " + (folder.path() / "p.log").string());
         EXPECT_EQ(r.status, c.status) << c.what << ": " << r.err;
         EXPECT_NE(r.err.find(c.named), std::string::npos) << c.what << ": " << r.err;
-        const auto reports = count(folder.path(), "ErrosGuia_");
+        const auto reports = count_files(folder.path(), "ErrosGuia_");
         EXPECT_EQ(reports, c.status == 2 ? 0u : 1u) << c.what;
         if (c.status == 3) EXPECT_FALSE(fs::exists(folder.path() / "pdf") && !fs::is_empty(folder.path() / "pdf")) << c.what;
     }
@@ -109,7 +93,7 @@ TEST(ProgramEdges, InputIsReadStrictlyAndWhole)
     guia.cabecalho.cb_NDoc = "NDOC";
     std::string text = nimbara::write_guia_file(guia);
     text.replace(text.find("\"NDOC\""), 6, "123456789012345678901234567890");
-    const auto file = write(folder.path() / "big.json", text);
+    const auto file = folder.write("big.json", text);
     const auto r = run("check " + file + dir);
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(nimbara::testing::read_file(answer_log(r.out))
@@ -128,7 +112,7 @@ TEST(ProgramEdges, ParallelRunsNeitherLoseNorMixWork)
     for (int i = 0; i < kRuns; ++i) {
         auto guia = valid();
         guia.cabecalho.cb_CodCliente = std::to_string(900 + i);
-        const auto file = write(folder.path() / ("g" + std::to_string(i) + ".json"), nimbara::write_guia_file(guia));
+        const auto file = folder.write("g" + std::to_string(i) + ".json", nimbara::write_guia_file(guia));
         const std::string command = i % 2 ? "check " : "print ";
         runs.emplace_back([&, i, file, command] {
             const std::string printing = " --out-dir " + pdfs.string() + " --print-log " + (folder.path() / "p.log").string();
@@ -146,9 +130,9 @@ TEST(ProgramEdges, ParallelRunsNeitherLoseNorMixWork)
             << "run " << i << " names another Guia's report";
     }
     EXPECT_EQ(named.size(), std::size_t{kRuns});
-    EXPECT_EQ(count(reports, "ErrosGuia_"), std::size_t{kRuns});
-    EXPECT_EQ(count(pdfs, "Guia_"), std::size_t{kRuns / 2});
-    EXPECT_EQ(count(reports, ".nimbara-") + count(pdfs, ".nimbara-"), 0u) << "no temporary is left";
+    EXPECT_EQ(count_files(reports, "ErrosGuia_"), std::size_t{kRuns});
+    EXPECT_EQ(count_files(pdfs, "Guia_"), std::size_t{kRuns / 2});
+    EXPECT_EQ(count_files(reports, ".nimbara-") + count_files(pdfs, ".nimbara-"), 0u) << "no temporary is left";
 }
 
 // A print stopped by SIGTERM or SIGINT leaves no half-written file behind.
@@ -158,7 +142,7 @@ TEST(ProgramEdges, StoppedPrintLeavesNoPartialFile)
         nimbara::testing::TempFolder folder;
         auto guia = nimbara::read_guia_file(example("fourteen-lines.json"));
         guia.parametros.vGuiaNVias = "3000";
-        const auto file = write(folder.path() / "guia.json", nimbara::write_guia_file(guia));
+        const auto file = folder.write("guia.json", nimbara::write_guia_file(guia));
         const auto pdfs = folder.path() / "pdf";
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
@@ -168,13 +152,13 @@ TEST(ProgramEdges, StoppedPrintLeavesNoPartialFile)
             ::_exit(127);
         }
         // Stop it in the middle of its copies.
-        for (int wait = 0; wait < 500 && (!fs::exists(pdfs) || count(pdfs, "Guia_") < 2); ++wait) ::usleep(10000);
+        for (int wait = 0; wait < 500 && (!fs::exists(pdfs) || count_files(pdfs, "Guia_") < 2); ++wait) ::usleep(10000);
         ::kill(child, signal);
         int status = 0;
         ::waitpid(child, &status, 0);
         ASSERT_TRUE(WIFSIGNALED(status)) << "the print ended before it was stopped";
-        EXPECT_GE(count(pdfs, "Guia_"), 2u);
-        EXPECT_EQ(count(pdfs, ".nimbara-"), 0u) << "signal " << signal;
+        EXPECT_GE(count_files(pdfs, "Guia_"), 2u);
+        EXPECT_EQ(count_files(pdfs, ".nimbara-"), 0u) << "signal " << signal;
     }
 }
 
@@ -189,5 +173,5 @@ TEST(ProgramEdges, ReadmeSamplePrints)
                            (folder.path() / "p.log").string(),
                        sample);
     EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(count(folder.path(), "Guia_2026-1_via1.pdf"), 1u);
+    EXPECT_EQ(count_files(folder.path(), "Guia_2026-1_via1.pdf"), 1u);
 }

@@ -7,52 +7,25 @@
 #include "nimbara/Schema.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "foundation/list_helpers.hpp"
 #include "nimbara/mdl_Biz.hpp"
 #include "support/per_check_twin.hpp"
 #include "support/test_database.hpp"
+#include "support/validation_text.hpp"
 #include "validation/guia_rules.hpp"
 
 using namespace nimbara;
 using nimbara::testing::kBothStores;
 using nimbara::testing::per_check_validate_line;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
+using nimbara::testing::show;
 using nimbara::testing::TwinLine;
 
 namespace {
 
-ListArray split(const std::string& text)
-{
-    ListArray list;
-    for (std::size_t start = 0; !text.empty();) {
-        const auto comma = text.find(',', start);
-        list.push_back(text.substr(start, comma - start));
-        if (comma == std::string::npos) break;
-        start = comma + 1;
-    }
-    return list;
-}
-
-std::string show(const ValidationResult& r)
-{
-    if (!r) return "passes";
-    std::string text = std::to_string(r->number) + " ";
-    if (const auto* list = std::get_if<ListArray>(&r->description))
-        for (const auto& code : *list) text += "[" + code + "]";
-    else
-        text += std::get<std::string>(r->description);
-    return text;
-}
-
-class TwinTest : public StoreTest {
+class TwinTest : public SeededStoreTest {
 protected:
-    void SetUp() override
-    {
-        StoreTest::SetUp();
-        if (IsSkipped() || HasFailure()) return;
-        create_schema();
-    }
-
     ValidationResult twin(cls_ValProdutos& v, const TwinLine& l)
     {
         return v.DoValidaProduto(l.product, l.zone, l.weight, l.speed, l.format, l.pre_treatment, l.discount, l.scope,
@@ -99,7 +72,7 @@ TEST_P(TwinTest, DiffersFromTheCompiledValidatorWhereItsRulesDiffer)
                   c.compiled)
             << c.what;
         EXPECT_EQ(show(table.DoValidaProduto(c.product, c.zone, c.weight, c.speed, c.format, std::string(c.pre) != "0",
-                                             c.discount, "0", split(c.services))),
+                                             c.discount, "0", GlobalFrameWork::String2Array(c.services).value_or(ListArray{}))),
                   c.table)
             << c.what;
     }

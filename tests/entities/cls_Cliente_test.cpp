@@ -7,17 +7,9 @@
 using namespace nimbara;
 using nimbara::testing::kBothStores;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
-class ClienteTest : public StoreTest {
-protected:
-    void SetUp() override
-    {
-        StoreTest::SetUp();
-        if (!IsSkipped() && !HasFailure()) create_schema();
-    }
-    std::int64_t count(const std::string& from) { return db->open("SELECT COUNT(*) AS N FROM " + from)["N"].integer(); }
-};
+class ClienteTest : public SeededStoreTest {};
 INSTANTIATE_TEST_SUITE_P(Stores, ClienteTest, kBothStores, store_name);
 
 TEST_P(ClienteTest, SavesAndLoadsAsGivenWithItsContracts)

@@ -9,18 +9,16 @@ using nimbara::testing::kBothStores;
 using nimbara::testing::new_guia;
 using nimbara::testing::store_client;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
-class GuiaTest : public StoreTest {
+class GuiaTest : public SeededStoreTest {
 protected:
     void SetUp() override
     {
-        StoreTest::SetUp();
+        SeededStoreTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
-        create_schema();
         for (int id = 1; id <= 2; ++id) store_client(db, id);
     }
-    std::int64_t count(const std::string& from) { return db->open("SELECT COUNT(*) AS N FROM " + from)["N"].integer(); }
 };
 INSTANTIATE_TEST_SUITE_P(Stores, GuiaTest, kBothStores, store_name);
 

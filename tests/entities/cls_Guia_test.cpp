@@ -10,7 +10,7 @@ using namespace nimbara;
 using nimbara::testing::kBothStores;
 using nimbara::testing::store_listing_guias;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
 namespace {
 
@@ -23,14 +23,12 @@ std::string lines_of(Recordset rs)
     return out;
 }
 
-class GuiaListingTest : public StoreTest {
+class GuiaListingTest : public SeededStoreTest {
 protected:
     void SetUp() override
     {
-        StoreTest::SetUp();
-        if (IsSkipped() || HasFailure()) return;
-        create_schema();
-        guia = std::make_unique<cls_Guia>(db);
+        SeededStoreTest::SetUp();
+        if (!IsSkipped() && !HasFailure()) guia = std::make_unique<cls_Guia>(db);
     }
     std::unique_ptr<cls_Guia> guia;
 };
@@ -106,7 +104,7 @@ TEST_P(GuiaListingTest, RefusesWhatIsNoOrderOrFilter)
         EXPECT_EQ(erro, 1) << c.order;
         EXPECT_NE(guia->LastError().find(c.word), std::string::npos) << c.order << ": " << guia->LastError();
     }
-    EXPECT_EQ(db->open("SELECT COUNT(*) AS N FROM Tbl_Linha")["N"].integer(), 7);
+    EXPECT_EQ(count("Tbl_Linha"), 7);
     EXPECT_FALSE(guia->getRSGuia("", "", "", "peso;")) << "without erro the refusal still answers nothing";
 }
 

@@ -6,16 +6,11 @@
 using namespace nimbara;
 using nimbara::testing::kBothStores;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
-class ParametroTest : public StoreTest {
+class ParametroTest : public SeededStoreTest {
 protected:
-    void SetUp() override
-    {
-        StoreTest::SetUp();
-        if (!IsSkipped() && !HasFailure()) create_schema();
-    }
-    std::int64_t rows() { return db->open("SELECT COUNT(*) AS N FROM Tbl_Parametro")["N"].integer(); }
+    std::int64_t rows() { return count("Tbl_Parametro"); }
 };
 INSTANTIATE_TEST_SUITE_P(Stores, ParametroTest, kBothStores, store_name);
 

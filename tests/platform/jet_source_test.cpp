@@ -171,25 +171,21 @@ TEST(JetSource, TablesAreFoundWithoutRegardToCaseAndReadIndependently)
 TEST(JetSource, FilesThatCannotBeReadWholeAreRefusedByName)
 {
     nimbara::testing::TempFolder folder;
-    const auto write = [&](const char* name, const std::string& bytes) {
-        std::ofstream(folder.path() / name, std::ios::binary) << bytes;
-        return folder.path() / name;
-    };
     struct Case { std::filesystem::path file; const char* reason; };
     std::vector<Case> cases = {
         {folder.path() / "absent.mdb", "does not exist"},
-        {write("empty.mdb", ""), "is empty"},
-        {write("text.mdb", "Cod_Cliente;Nome\n1;Livraria\n"), "is not a Jet database file"},
-        {write("short.mdb", "\x01\x01\x01\x01Standard"), "is not a Jet database file"},
+        {folder.write("empty.mdb", ""), "is empty"},
+        {folder.write("text.mdb", "Cod_Cliente;Nome\n1;Livraria\n"), "is not a Jet database file"},
+        {folder.write("short.mdb", "\x01\x01\x01\x01Standard"), "is not a Jet database file"},
         {folder.path(), "is not a file"},
     };
     // A file cut short must not pass for one with fewer rows.
     if (fixtures_present()) {
         std::ifstream in(kFixtures / "v0512.mdb", std::ios::binary);
         const std::string whole{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-        cases.push_back({write("first-page.mdb", whole.substr(0, 4096)), "its list of tables cannot be read"});
-        cases.push_back({write("cut-in-guias.mdb", whole.substr(0, 150000)), "TBL_CAB: only 0 of its 14 rows can be read"});
-        cases.push_back({write("cut-in-remark.mdb", whole.substr(0, 200000)), "TBL_CAB, column Observacoes: a page of a memo"});
+        cases.push_back({folder.write("first-page.mdb", whole.substr(0, 4096)), "its list of tables cannot be read"});
+        cases.push_back({folder.write("cut-in-guias.mdb", whole.substr(0, 150000)), "TBL_CAB: only 0 of its 14 rows can be read"});
+        cases.push_back({folder.write("cut-in-remark.mdb", whole.substr(0, 200000)), "TBL_CAB, column Observacoes: a page of a memo"});
     }
     for (const auto& c : cases) {
         try {

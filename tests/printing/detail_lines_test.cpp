@@ -73,29 +73,6 @@ TEST_F(DetailLines, QuantityThatIsNoNumberCostsTheRightHandColumns)
     EXPECT_NE(log().find("PrintaParteDetail-Erro:Type mismatch"), std::string::npos) << log();
 }
 
-TEST_F(DetailLines, ServiceRows)
-{
-    cls_ImpressaoA::ServiceSlots codes{}, values{};
-    codes[1] = "1";
-    codes[2] = "12";
-    values[1] = "0";
-    values[2] = "150";
-    const auto row = [&](const std::string& code, const std::string& value, int n, int m) {
-        RecordingSurface s;
-        printer.PrintaSEParteDetail(s, code, value, 48, &values, n, m, &codes);
-        return placed(s);
-    };
-    struct Case { const char* what; std::vector<Placed> got, expected; };
-    const Case cases[] = {
-        {"one service with a value", row("2", "150", 0, 0), {{"02", 126}, {"1,50€", 154}}},
-        {"a value of one digit is cents", row("2", "5", 0, 0), {{"02", 126}, {",05€", 154}}},
-        {"no value, the code all the same", row("7", "0", 0, 0), {{"07", 126}}},
-        {"codes right to left, amounts of the slots", row("9", "9", 2, 2), {{"01", 134}, {"12", 130}, {"1,50€", 154}}},
-    };
-    for (const auto& c : cases) EXPECT_EQ(c.got, c.expected) << c.what;
-    EXPECT_EQ(log(), "");
-}
-
 TEST(CountSEspeciaisComValor, CountsValuesAboveZero)
 {
     nimbara::serv::Table services;

@@ -66,15 +66,6 @@ GuiaArrays guia_of(int n, const LineShape& line = {})
     return g;
 }
 
-// The texts printed at one place of the table, in order.
-std::vector<std::string> at(const RecordingSurface& s, double x, double y)
-{
-    std::vector<std::string> out;
-    for (const auto& p : printed_texts(s))
-        if (std::abs(p.x_mm - x) < 0.01 && std::abs(p.y_mm - y) < 0.01) out.push_back(p.text);
-    return out;
-}
-
 }  // namespace
 
 TEST(PageDriver, PagesAndTheirSymbols)
@@ -91,10 +82,9 @@ TEST(PageDriver, PagesAndTheirSymbols)
     add_line(follower, {.product = "C25", .weight = "75", .campaign = {}});
     const std::string c03 = std::string("01C03") + kLine.substr(5) + "01" + "250000075";
 
+    // Plain pages of twelve lines and a second page are pinned by the recorded calls of fourteen lines.
     struct Case { const char* what; GuiaArrays guia; int forecast, new_pages; std::vector<std::string> symbols; };
     const Case cases[] = {
-        {"twelve lines fill one page", guia_of(12), 1, 0, {head(1, 1) + "12" + lines(12)}},
-        {"thirteen lines take two", guia_of(13), 2, 1, {head(1, 2) + "12" + lines(12), head(2, 2) + "01" + lines(1)}},
         {"three services without value", three, 1, 0, {head(1, 1) + "01" + kLine + serv3}},
         {"a line moved off the last row", moved, 2, 1, {head(1, 2) + "11" + lines(11), head(2, 2) + "01" + lines(1)}},
         {"C25 follower", follower, 1, 0, {head(1, 1) + "01" + c03}},
@@ -107,20 +97,6 @@ TEST(PageDriver, PagesAndTheirSymbols)
         EXPECT_EQ(p.symbols, c.symbols) << c.what;
         EXPECT_EQ(p.log, "") << c.what;
     }
-}
-
-TEST(PageDriver, ServiceRowsTakeRowsOfTheirOwn)
-{
-    auto g = guia_of(2);
-    for (const char* code : {"1", "2", "3"}) add_service(g, 1, code, "0");
-    const auto p = print(g);
-    // The first row of services shares its row with the line; the flush of the third moves the
-    // next line one row down.
-    EXPECT_EQ(at(p.surface, 134, 42.5), (std::vector<std::string>{"01"}));
-    EXPECT_EQ(at(p.surface, 130, 42.5), (std::vector<std::string>{"02"}));
-    EXPECT_EQ(at(p.surface, 126, 42.5), (std::vector<std::string>{"03"}));
-    EXPECT_EQ(at(p.surface, 21, 54.5), (std::vector<std::string>{"C01"}));
-    EXPECT_TRUE(at(p.surface, 21, 48.5).empty());
 }
 
 TEST(PageDriver, AFaultEndsTheCopyButNotTheJob)

@@ -30,6 +30,13 @@ public:
 
     const std::filesystem::path& path() const { return path_; }
 
+    // Writes `bytes` to the file `name` in the folder; answers its path.
+    std::string write(const std::string& name, const std::string& bytes) const
+    {
+        std::ofstream(path_ / name, std::ios::binary) << bytes;
+        return (path_ / name).string();
+    }
+
 private:
     std::filesystem::path path_;
 };

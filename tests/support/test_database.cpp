@@ -70,4 +70,15 @@ void StoreTest::TearDown()
 
 void StoreTest::create_schema() { CreateSchema(*db); }
 
+std::int64_t StoreTest::count(const std::string& from)
+{
+    return db->open("SELECT COUNT(*) AS N FROM " + from)["N"].integer();
+}
+
+void SeededStoreTest::SetUp()
+{
+    StoreTest::SetUp();
+    if (!IsSkipped() && !HasFailure()) create_schema();
+}
+
 }  // namespace nimbara::testing

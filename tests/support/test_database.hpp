@@ -42,9 +42,18 @@ protected:
 
     // Makes the schema and its seed rows in `db`.
     void create_schema();
+    // The rows of `from`: a table, or a table with its WHERE clause.
+    std::int64_t count(const std::string& from);
 
     std::unique_ptr<ScratchDatabase> scratch;
     std::shared_ptr<Database> db;
+};
+
+// A test on both stores whose database already holds the schema and its seed rows. A suite that
+// seeds more overrides SetUp, calls this one, and returns if it skipped or failed.
+class SeededStoreTest : public StoreTest {
+protected:
+    void SetUp() override;
 };
 
 // The stores to instantiate a StoreTest suite with:

@@ -13,10 +13,12 @@
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "support/literal_validator.hpp"
 #include "support/rule_table_file.hpp"
+#include "support/validation_text.hpp"
 
 using nimbara::ListArray;
 using nimbara::ValidationResult;
 using nimbara::testing::read_rule_table_file;
+using nimbara::testing::show;
 using nimbara::testing::split_blanks;
 using nimbara::testing::TableRow;
 
@@ -40,18 +42,6 @@ struct Line {
                discount + "|" + scope + "|" + sampling + "|" + services;
     }
 };
-
-std::string show(const ValidationResult& r)
-{
-    if (!r) return "passes";
-    std::string s = std::to_string(r->number) + " ";
-    if (const auto* list = std::get_if<ListArray>(&r->description)) {
-        for (const auto& c : *list) s += "[" + c + "]";
-    } else {
-        s += std::get<std::string>(r->description);
-    }
-    return s;
-}
 
 // Every value the table holds for each field, and a few it never holds (the empty text, a stranger).
 struct Pools {

@@ -1,16 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "nimbara/cls_ValProdutosA.hpp"
-#include "rules/catalogue.hpp"
-#include "support/literal_validator.hpp"
-#include "validation/line_validator.hpp"
+#include "support/validation_text.hpp"
 
 using nimbara::ErrorArray;
 using nimbara::ListArray;
 using nimbara::ValidationResult;
-using nimbara::validation::LineInput;
+using nimbara::testing::show;
 
 namespace {
 
@@ -19,25 +15,12 @@ struct Line {
     std::string product = "C01", zone = "01";
     std::int32_t weight = 20;
     std::string speed = "0", format = "01", pre = "1", discount = "0", scope = "0", sampling = "0", services = "0";
-    LineInput input() const { return {product, zone, weight, speed, format, pre, discount, scope, sampling, services}; }
 };
 
 ValidationResult validate(const Line& l)
 {
     return nimbara::cls_ValProdutosA{}.DoValidaProduto(l.product, l.zone, l.weight, l.speed, l.format, l.pre, l.discount,
                                                         l.scope, l.sampling, l.services);
-}
-
-std::string show(const ValidationResult& r)
-{
-    if (!r) return "passes";
-    std::string s = std::to_string(r->number) + " ";
-    if (const auto* list = std::get_if<ListArray>(&r->description)) {
-        for (const auto& c : *list) s += "[" + c + "]";
-    } else {
-        s += std::get<std::string>(r->description);
-    }
-    return s;
 }
 
 ErrorArray err(std::int32_t n, std::string text) { return {n, std::move(text)}; }

@@ -13,6 +13,7 @@
 #include "validation/possible_values.hpp"
 #include "validation/rule_catalogue.hpp"
 #include "support/temp_folder.hpp"
+#include "support/validation_text.hpp"
 
 using nimbara::rules::PossibleValueKey;
 using nimbara::rules::PossibleValueTable;
@@ -45,14 +46,7 @@ std::string show(const nimbara::validation::PossibleValues& v)
     return s;
 }
 
-std::string show(const nimbara::ValidationResult& r)
-{
-    if (!r) return "passes";
-    std::string s = std::to_string(r->number);
-    if (const auto* list = std::get_if<nimbara::ListArray>(&r->description))
-        for (const auto& c : *list) s += " " + c;
-    return s;
-}
+using nimbara::testing::show;
 
 }  // namespace
 
@@ -136,8 +130,8 @@ TEST(RuleCatalogue, DrivesTheFacadeItIsHanded)
         return show(v.DoValidaProduto("C01", zone, 50, "0", "02", "1", "0", "0", "0", "0"));
     };
     EXPECT_EQ(judge(moved, "33"), "passes");
-    EXPECT_EQ(judge(moved, "01"), "-2");
-    EXPECT_EQ(judge(compiled, "33"), "-2");
+    EXPECT_EQ(judge(moved, "01"), "-2 Erro na Zona de Taxação");
+    EXPECT_EQ(judge(compiled, "33"), "-2 Erro na Zona de Taxação");
 
     // The report of a Guia whose line stays in zone 01 lists the zones the moved rules accept.
     nimbara::testing::TempFolder folder;
