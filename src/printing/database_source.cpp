@@ -86,18 +86,32 @@ DatabaseSource::DatabaseSource(cls_Impressao& printer, std::int32_t varNReq) : p
         for (const auto& [field, column] : kLineColumns) line.set(field, 0, cell_of(rows[column]));
     }
     for (const guia::Table& line : lines_) {
-        serv::Table& services = services_.emplace_back();
+        auto& services = services_.emplace_back();
+        std::int32_t n_linha = 0;
+        try {
+            n_linha = text::require_int32(line.text(guia::N_Linha, 0));
+        } catch (const std::exception&) {
+            continue;  // the walk meets the fault when it comes to the line
+        }
+        services.emplace();
         Recordset rs;
         std::string codes;
-        printer.Param_ServicosEspeciais(varNReq, text::require_int32(line.text(guia::N_Linha, 0)), codes, &rs, 1);
+        printer.Param_ServicosEspeciais(varNReq, n_linha, codes, &rs, 1);
         if (rs.State() != Recordset::adStateOpen) continue;
         int row = 0;
         for (rs.MoveFirst(); !rs.IsEOF(); rs.MoveNext(), ++row) {
-            services.set(serv::N_Linha, row, cell_of(rs["N_Linha"]));
-            services.set(serv::CodServEsp, row, cell_of(rs["CodigoServicoEspecial"]));
-            services.set(serv::Valor, row, cell_of(rs["Valor"]));
+            services->set(serv::N_Linha, row, cell_of(rs["N_Linha"]));
+            services->set(serv::CodServEsp, row, cell_of(rs["CodigoServicoEspecial"]));
+            services->set(serv::Valor, row, cell_of(rs["Valor"]));
         }
     }
+}
+
+serv::Table DatabaseSource::services(int index) const
+{
+    const auto& services = services_.at(static_cast<std::size_t>(index));
+    if (!services) throw std::invalid_argument("N_Linha of line " + std::to_string(index + 1) + " is no number");
+    return *services;
 }
 
 SymbolSettings DatabaseSource::symbol_settings() const

@@ -2,6 +2,7 @@
 // The stored Guia as the page driver reads it, fetched once through the database edition's feeds:
 // the header with its client and contract, the lines of Query_ParteVariavel in their order, each
 // line's special services ordered by value, and the symbol's settings of Tbl_Parametro.
+#include <optional>
 #include <vector>
 
 #include "nimbara/Recordset.hpp"
@@ -23,14 +24,14 @@ public:
     const cab::Table& header() const override { return header_; }
     int line_count() const override { return static_cast<int>(lines_.size()); }
     guia::Table line(int index) const override { return lines_.at(static_cast<std::size_t>(index)); }
-    serv::Table services(int index) const override { return services_.at(static_cast<std::size_t>(index)); }
+    serv::Table services(int index) const override;
     SymbolSettings symbol_settings() const override;
 
 private:
     cls_Impressao& printer_;
     cab::Table header_;
     std::vector<guia::Table> lines_;
-    std::vector<serv::Table> services_;
+    std::vector<std::optional<serv::Table>> services_;  // nothing for a line whose number is no number
 };
 
 }  // namespace nimbara::printing

@@ -7,25 +7,11 @@
 #include "foundation/required_numbers.hpp"
 #include "foundation/run_time_errors.hpp"
 #include "nimbara/cls_Impressao.hpp"
+#include "printing/detail_row.hpp"
 #include "printing/page.hpp"
 
 namespace nimbara {
 namespace {
-
-void detailFont(PageSurface& s)
-{
-    s.setFillColor(kBlack);
-    s.setFontName("Times New Roman");
-    s.setFontSize(8);
-    s.setFontBold(true);
-    s.setFillColor(kBlack);
-}
-
-std::string two_digits(std::string code)
-{
-    if (chars::length(code) == 1) code.insert(code.begin(), '0');
-    return code;
-}
 
 // The characters of the value from the right, the last at x and each further one `pitch` to the
 // left; with blank_zeros a "0" leaves its cell empty.
@@ -62,7 +48,7 @@ std::string cls_Impressao::PrintaParteDetail(
     page.guarded("PrintaParteDetail", [&] {
         auto& s = impressora;
         const double y = var_cont + 0.5;
-        detailFont(s);
+        printing::detail_font(s);
         cells(page, s, 17, y, CampoA, 4.0);
         cells(page, s, 35, y, CampoB, 4.0);
         cells(page, s, 65.5, y, CampoC, 4.0);
@@ -91,9 +77,9 @@ std::string cls_Impressao::PrintaSEParteDetail(PageSurface& impressora, std::str
     page.guarded("PrintaSEParteDetail", [&] {
         auto& s = impressora;
         const double y = var_cont + 0.5;
-        detailFont(s);
-        ServEsp = two_digits(std::move(ServEsp));
-        Valor = two_digits(std::move(Valor));
+        printing::detail_font(s);
+        ServEsp = printing::two_digits(std::move(ServEsp));
+        Valor = printing::two_digits(std::move(Valor));
         const auto element = [](const ServiceSlots* slots, std::int32_t i) -> const std::string& {
             if (!slots) raise(RunTimeError::TypeMismatch);
             if (i >= static_cast<std::int32_t>(slots->size())) raise(RunTimeError::SubscriptOutOfRange);
@@ -104,7 +90,7 @@ std::string cls_Impressao::PrintaSEParteDetail(PageSurface& impressora, std::str
         if (tamanho2 > 0) {
             double x = 172;
             for (std::int32_t i = 1; i <= tamanho2; ++i) {
-                const std::string code = two_digits(element(Array_valorEsp, i));
+                const std::string code = printing::two_digits(element(Array_valorEsp, i));
                 cells(page, s, x, y, code, 4.3);
                 x -= 4.3 * static_cast<double>(chars::length(code));
             }
@@ -125,7 +111,7 @@ std::string cls_Impressao::Apaga_RegsUltima_linha(PageSurface& impressora)
 {
     auto& s = impressora;
     const printing::Page page(*this);
-    detailFont(s);
+    printing::detail_font(s);
     // Blanks over the cells of the row's fields; the last characters of an empty text draw nothing,
     // as in the other edition.
     constexpr double y = 108 + 0.5;

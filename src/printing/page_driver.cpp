@@ -146,6 +146,7 @@ void print_copy(Printer& printer, const printing::GuiaSource& source, PageSurfac
     const PlanDrawing<Printer> draw(printer, source, s, imagens, DuplOrig, dtRequisicao, plan.TotPaginas);
     const auto fail = [&](const std::string& what) {
         printer.WriteLog("Imprime_Parte_Variavel-Erro:" + what);
+        // The job ends in any case, so that the pages already drawn come out.
         printing::Page(printer).guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
     };
     try {
@@ -171,23 +172,6 @@ void print_copy(Printer& printer, const printing::GuiaSource& source, PageSurfac
 std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
 {
     return printing::forecast_pages(printing::ArraySource(arrays));
-}
-
-std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
-{
-    auto& s = impressora;
-    const printing::Page page(*this);
-    s.setFillColor(kBlack);
-    s.setFontName("Times New Roman");
-    s.setFontSize(8);
-    s.setFontBold(true);
-    s.setFillColor(kBlack);
-    // The columns of an earlier layout of the row; the blanks erase where the printer paints the
-    // text's background, and the last characters of an empty text draw nothing.
-    constexpr double y = 108 + 0.5;
-    for (const double x : {10.6, 41.8, 47.8, 60.0, 201.5, 102.0}) page.printAt(s, x, y, "  ");
-    for (const double x : {77.5, 90.0, 114.0, 176.5, 188.5, 224.0, 236.6, 248.2}) page.printAt(s, x, y, "");
-    return {};
 }
 
 void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t /*varNReq*/,

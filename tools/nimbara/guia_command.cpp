@@ -154,7 +154,6 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
 
 }  // namespace
 
-// Creates the folder with its parents when it is missing.
 fs::path usable_folder(const std::string& what, const fs::path& folder)
 {
     std::error_code ec;
@@ -164,8 +163,6 @@ fs::path usable_folder(const std::string& what, const fs::path& folder)
     return folder;
 }
 
-// Beside the program when its folder can be written (as the component always logged), otherwise in
-// the user's state folder.
 fs::path default_print_log()
 {
     std::error_code ec;
