@@ -1,6 +1,5 @@
 // nimbara db print N_REQ: the database edition prints a stored Guia, one PDF per copy, named as the
 // headless road names them.
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -12,6 +11,7 @@
 #include "db_command.hpp"
 #include "guia_command.hpp"
 #include "nimbara/FormImpressao.hpp"
+#include "nimbara/Recordset.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_Parametro.hpp"
@@ -72,7 +72,13 @@ int print_guia(const PrintOptions& o)
     } catch (const std::exception& e) {
         throw CommandError(e.what());
     }
+    if (vias <= 0) {
+        if (!o.quiet) std::cerr << "nimbara db print: GuiaNVias is " << vias << ": no copy to print\n";
+        return 0;
+    }
     const auto surface = make_pdf_printer(folder, NDoc);
+    surface->setOrientation(printer::kLandscape);
+    surface->setPaperSize(printer::kPaperA4);
     // An output place that cannot be written is known before anything is drawn.
     try {
         surface->StartDoc();
@@ -84,15 +90,13 @@ int print_guia(const PrintOptions& o)
     cls_Impressao printer(db);
     printer.set_log_path(o.print_log ? fs::path(*o.print_log) : default_print_log());
     std::int32_t DuplOrig = 0;
-    surface->setOrientation(printer::kLandscape);
-    surface->setPaperSize(printer::kPaperA4);
     for (std::int32_t via = 1; via <= vias; ++via, ++DuplOrig)
         printer.Imprime_Parte_Variavel("", o.n_req, 0, *surface, form_impressao(), top, left, DuplOrig, date, NDoc);
 
     // The page routines log their faults and go on; a copy with a fault is not a printed Guia, and
     // none of this run's files stays behind it.
     const std::vector<fs::path>& written = surface->written();
-    if (!printer.log_entries().empty() || static_cast<std::int32_t>(written.size()) != std::max(vias, 0)) {
+    if (!printer.log_entries().empty() || static_cast<std::int32_t>(written.size()) != vias) {
         for (const auto& pdf : written) fs::remove(pdf);
         std::string why = printer.log_entries().empty() ? "a copy was not written" : printer.log_entries().front();
         throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: " + why);
