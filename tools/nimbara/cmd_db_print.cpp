@@ -50,6 +50,10 @@ int print_guia(const PrintOptions& o)
     const auto db = open_command_database(o.conn);
     if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
         throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    // The symbol's head holds the request number in four digits; the page would stop at it.
+    if (o.n_req > 9999 || o.n_req < 0)
+        throw CommandError("Guia " + std::to_string(o.n_req) +
+                           " not printed: the symbol of this edition holds the request number in four digits");
     cls_Guia_Cabecalho guia(db);
     guia.SelectMe(o.n_req);
     const std::string date = guia.vDReq.text().substr(0, 10);
