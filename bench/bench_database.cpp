@@ -1,6 +1,7 @@
 // Saving and loading Guias on each store, beside the old way of one connection per object and one
 // transaction per statement; line validation against the rule tables, beside one query per check;
-// the browse listing over a generated database of 100,000 Guias with ten lines each. The PostgreSQL
+// the browse listing over a generated database of 100,000 Guias with ten lines each; a stored Guia
+// printed by the database edition. The PostgreSQL
 // runs need the server of scripts/with-postgres (NIMBARA_TEST_PG), as `make bench` starts it;
 // without one they say so and are skipped.
 #include <benchmark/benchmark.h>
@@ -13,9 +14,13 @@
 #include <map>
 #include <optional>
 
+#include "nimbara/FormImpressao.hpp"
+#include "nimbara/PdfSurface.hpp"
 #include "nimbara/Schema.hpp"
 #include "nimbara/cls_Guia.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
+#include "nimbara/cls_Impressao.hpp"
+#include "nimbara/cls_Parametro.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
 #include "support/per_check_twin.hpp"
 #include "support/sample_entities.hpp"
@@ -367,6 +372,48 @@ private:
     std::map<std::string, double> rates_;
 };
 
+// The Guia of BM_PrintGuiaPdf (twelve lines, a service on every third) stored on the store in the
+// place of whatever the other benchmarks numbered alike, with the print settings the page reads.
+// The symbol holds the number in four digits.
+constexpr std::int32_t kPrintNReq = 9999;
+
+void store_print_guia(const std::shared_ptr<Database>& db)
+{
+    for (const char* table : {"Tbl_Linha_ServicoEspecial", "Tbl_Linha", "Tbl_Cab"})
+        db->execute(std::string("DELETE FROM ") + table + " WHERE N_Req = ?", {kPrintNReq});
+    cls_Parametro(db).DoSave();
+    auto g = nimbara::testing::new_guia(db, 1, kLines, 0, kPrintNReq);
+    for (int line : {2, 5, 8, 11}) g->mColLinha.Item(static_cast<std::size_t>(line)).AddSEspecial("04", 1250);
+    g->DoSave();
+}
+
+// One copy of the stored Guia by the database edition, a print job a file, as BM_PrintGuiaPdf
+// prints the same Guia from the in-memory tables: the reading of the Guia counts.
+void BM_PrintGuiaDb(benchmark::State& state, bool postgres)
+{
+    if (!ready(state, postgres)) return;
+    const auto db = OpenDatabase(store(postgres).conn());
+    store_print_guia(db);
+    const auto pdf = std::filesystem::temp_directory_path() / ("nimbara-bench-db-guia-" + std::to_string(::getpid()) + ".pdf");
+    PdfSurface surface([&](int, int) { return pdf; });
+    const auto& form = form_impressao();
+    for (auto _ : state) {
+        cls_Impressao printer(db);
+        surface.setOrientation(printer::kLandscape);
+        surface.setPaperSize(printer::kPaperA4);
+        printer.Imprime_Parte_Variavel("", kPrintNReq, 0, surface, form, 0, 0, 0, "2025-05-03", "2025/1");
+        if (!printer.log_entries().empty()) {
+            state.SkipWithError(printer.log_entries().front().c_str());
+            break;
+        }
+        std::filesystem::remove(pdf);
+    }
+    if (surface.page_count() != 1) state.SkipWithError("the Guia did not print on one page");
+    state.SetItemsProcessed(state.iterations());
+    state.counters["pages/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    std::filesystem::remove(pdf);
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -384,6 +431,9 @@ int main(int argc, char** argv)
                                      postgres, true)
             ->UseRealTime();
         benchmark::RegisterBenchmark(("BM_ValidateLineDbOldWay" + store).c_str(), BM_ValidateLineDbOldWay, postgres)
+            ->UseRealTime();
+        benchmark::RegisterBenchmark(("BM_PrintGuiaDb" + store).c_str(), BM_PrintGuiaDb, postgres)
+            ->Unit(benchmark::kMillisecond)
             ->UseRealTime();
     }
     // One client and one month: about forty lines, found through the indexes; then every line, in

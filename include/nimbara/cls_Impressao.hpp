@@ -1,5 +1,6 @@
 #pragma once
 // The printing class of the database road: the same page, fed from the database.
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -44,6 +45,44 @@ public:
     // comb. Answers 0.
     std::int32_t Imprime_NumPaginas(const std::string& NDoc, PageSurface& impressora2, std::int32_t pag,
                                     std::int32_t TotPaginas);
+
+    // ---- Detail lines: the fields filled into the form's cells, one character a cell -------------
+
+    using ServiceSlots = std::array<std::string, 11>;  // 0 to 10, as in the other edition
+
+    // One product line at y var_cont: zone, product, weight step, quantity and special-rate quantity
+    // digit by digit from their rightmost cells, the one-digit codes at their cells, and the
+    // pre-treatment mark where the product takes one. Answers the empty text.
+    std::string PrintaParteDetail(PageSurface& impressora, const std::string& CampoA, const std::string& CampoB,
+                                  const std::string& CampoC, const std::string& CampoD, const std::string& CampoE,
+                                  const std::string& CampoF, const std::string& CampoG, const std::string& CampoH,
+                                  const std::string& CampoKMVexora, const std::string& CampoK,
+                                  const std::string& CampoL, const std::string& CampoM, const std::string& CampoN,
+                                  std::int32_t var_cont);
+    // One row of special services: the codes' digits from x 172 leftwards, the values' digits from
+    // x 205 leftwards (the form carries the comma and the euro sign). Answers the empty text.
+    std::string PrintaSEParteDetail(PageSurface& impressora, std::string ServEsp, std::string Valor,
+                                    std::int32_t var_cont, const ServiceSlots* Array_valor = nullptr,
+                                    std::int32_t tamanho = 0, std::int32_t tamanho2 = 0,
+                                    const ServiceSlots* Array_valorEsp = nullptr);
+
+    // The page's PDF417 symbol, encoded with the settings of Tbl_Parametro. A failure is logged and
+    // the page goes on without it.
+    void PrintCreatedPDF(PageSurface& impressora, const std::string& DataToEncode);
+
+    // ---- Page driver -----------------------------------------------------------------------------
+
+    // Prints one copy of the stored Guia varNReq from first to last page as one print job. DuplOrig
+    // 0 marks the original. A failure is logged and ends the copy; the job is ended all the same.
+    void Imprime_Parte_Variavel(const std::string& varCodCliente, std::int32_t varNReq, std::int16_t N_Via,
+                                PageSurface& impressora2, const FormImpressao& imagens, double TopY,
+                                double LeftX, std::int32_t DuplOrig, const std::string& dtRequisicao,
+                                const std::string& NGUIA);
+    // The pages of the stored Guia, by walking them without drawing; a failure is logged and the
+    // pages walked until then are the answer.
+    std::int32_t Calcula_TotalidadePaginas(std::int32_t varNReq);
+    // Overprints the product line just printed on the twelfth row with blanks. Answers the empty text.
+    std::string Apaga_RegsUltima_linha(PageSurface& impressora);
 };
 
 }  // namespace nimbara

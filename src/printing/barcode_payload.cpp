@@ -1,11 +1,13 @@
 #include "printing/barcode_payload.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "foundation/run_time_errors.hpp"
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/version.hpp"
+#include "printing/page.hpp"
 
 namespace nimbara::printing {
 namespace {
@@ -74,6 +76,58 @@ std::string codigo_cabecalho(const cab::Table& cab, std::int32_t pag, std::int32
     return head;
 }
 
+std::string codigo_cabecalho_db(const cab::Table& cab, std::int32_t pag, std::int32_t TotPaginas)
+{
+    if (cab.empty()) raise(RunTimeError::TypeMismatch);
+    std::string head = "CR01";
+    head.reserve(70);
+    head += padded(cab, cab::CodContrato, 0, 12);
+    head += padded(cab, cab::CodCliente, 0, 9);
+    const Cell& third = cab.at(cab::CodTerceiro, 0);
+    head += pad_zero(third ? std::string_view(*third) : "0", 8);
+    head += cab.text(cab::Drqjul, 0);
+    head += padded(cab, cab::N_Req, 0, 4);
+    head += pad_number(pag, 2);
+    head += pad_number(TotPaginas, 2);
+    const double payment = text::require_cell_number(cab.at(cab::Pagamento, 0));
+    head += yes_no(payment == 1);
+    head += yes_no(payment == 2);
+    head += yes_no(as_boolean(cab.text(cab::JppCredenciado, 0)));
+    head += padded(cab, cab::NCredencial, 0, 7);
+    head += std::string(15, '0');
+    return head;
+}
+
+std::string pre_tratamento_db(std::string_view product, const Cell& G_Pre_Tratamento)
+{
+    static constexpr std::array<std::string_view, 9> kWithout = {"C10", "C20", "C30", "C36", "E01",
+                                                                  "E04", "E05", "E06", "E07"};
+    if (std::find(kWithout.begin(), kWithout.end(), product) != kWithout.end()) return " ";
+    return G_Pre_Tratamento && !G_Pre_Tratamento->empty() && as_boolean(*G_Pre_Tratamento) ? "2" : "1";
+}
+
+std::string item_linha_db(const guia::Table& g, int row, std::string_view Str_CodBarrasServEsp,
+                          std::int32_t Total_Se_CodBarras)
+{
+    std::string item;
+    item.reserve(31 + Str_CodBarrasServEsp.size());
+    item += padded(g, guia::A_Zona_Taxacao, row, 2);
+    item += padded(g, guia::B_Produto, row, 3);
+    item += padded(g, guia::Escalao, row, 6);
+    item += padded(g, guia::D_Quantidade, row, 7);
+    item += digit(g, guia::E_Velocidade, row);
+    item += digit(g, guia::Formato, row);
+    item += pre_tratamento_db(g.text(guia::B_Produto, row), g.at(guia::PreTratamento, row));
+    item += digit(g, guia::Desconto, row);
+    item += digit(g, guia::Entrega_Sampling, row);
+    item += digit(g, guia::TaxEsp_Semana, row);
+    item += padded(g, guia::TaxEsp_Quantidade, row, 4);
+    item += digit(g, guia::CodAmbitoDist, row);
+    item += pad_number(Total_Se_CodBarras, 2);
+    item += Str_CodBarrasServEsp;
+    return item;
+}
+
 std::string item_servico(std::string_view code, std::string_view value)
 {
     return pad_zero(code, kServiceCodeWidth) + pad_zero(value, kServiceValueWidth);
@@ -95,6 +149,16 @@ std::string finish_payload(std::string& codigoCabecalho, std::int32_t pag, std::
 {
     const std::string resto = chars::mid(codigoCabecalho, 48, 38);
     codigoCabecalho = chars::left(codigoCabecalho, 45) + pad_number(pag, 2) + resto;
+    std::string payload = codigoCabecalho;
+    payload += pad_number(line_count, 2);
+    payload += codigoLinhas;
+    return payload;
+}
+
+std::string finish_payload_db(std::string& codigoCabecalho, std::int32_t pag, std::int32_t line_count,
+                              std::string_view codigoLinhas)
+{
+    codigoCabecalho = chars::left(codigoCabecalho, 41) + pad_number(pag, 2) + chars::right(codigoCabecalho, 27);
     std::string payload = codigoCabecalho;
     payload += pad_number(line_count, 2);
     payload += codigoLinhas;

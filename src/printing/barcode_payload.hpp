@@ -70,9 +70,25 @@ std::string item_linha(const guia::Table& arrGuia, int row, std::string_view Str
 // One service of the service section: its code in 2 characters, its value in 7.
 std::string item_servico(std::string_view code, std::string_view value);
 
+// The database edition's head, 70 characters: a fixed "CR01" in place of the access type and the
+// version, the request number where the other edition has the yearly identifier, and no commitment.
+std::string codigo_cabecalho_db(const cab::Table& cabecalho, std::int32_t pag, std::int32_t TotPaginas);
+
+// The database edition's pre-treatment character: " " for the products that take none, else "2"
+// for a pre-treated line and "1" otherwise.
+std::string pre_tratamento_db(std::string_view product, const Cell& G_Pre_Tratamento);
+
+// The database edition's item, 31 characters before the services: no campaign, division,
+// characteristic or reference, and the pre-treatment as its character.
+std::string item_linha_db(const guia::Table& line, int row, std::string_view Str_CodBarrasServEsp,
+                          std::int32_t Total_Se_CodBarras);
+
 // Writes the page number into the head (which keeps its first 45 characters and the 38 from
 // position 48) and answers the payload: the head, the line count in 2, the items.
 std::string finish_payload(std::string& codigoCabecalho, std::int32_t pag, std::int32_t line_count,
                            std::string_view codigoLinhas);
+// The same for the database edition's head, which keeps its first 41 characters and its last 27.
+std::string finish_payload_db(std::string& codigoCabecalho, std::int32_t pag, std::int32_t line_count,
+                              std::string_view codigoLinhas);
 
 }  // namespace nimbara::printing

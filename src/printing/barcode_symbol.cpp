@@ -2,19 +2,26 @@
 // encoding, the size of a module and the height of a row.
 #include <cmath>
 
+#include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "platform/pdf417_encoder.hpp"
+#include "printing/database_source.hpp"
 #include "printing/guia_source.hpp"
 #include "printing/page.hpp"
 
 namespace nimbara {
+namespace {
 
-void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string& DataToEncode)
+// The symbol of the data, encoded with the settings. Each edition reads its settings where it
+// keeps them, and a failure to read them is logged like a failure to draw.
+template <class ReadSettings>
+void print_symbol(ImpressaoComum& printer, PageSurface& impressora, const std::string& DataToEncode,
+                  ReadSettings read_settings)
 {
-    const printing::Page page(*this);
+    const printing::Page page(printer);
     page.guarded("PrintCreatedPDF", [&] {
         auto& s = impressora;
-        const printing::SymbolSettings settings = printing::ArraySource(arrays).symbol_settings();
+        const printing::SymbolSettings settings = read_settings();
         auto symbol = platform::encode_pdf417(DataToEncode, settings.encoding);
 
         const double font_size = std::floor(settings.font_size) * 2 + 4;
@@ -39,6 +46,22 @@ void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string&
 
         s.setFontSize(8);
         s.setFontName("Arial");
+    });
+}
+
+}  // namespace
+
+void cls_ImpressaoA::PrintCreatedPDF(PageSurface& impressora, const std::string& DataToEncode)
+{
+    print_symbol(*this, impressora, DataToEncode, [&] { return printing::ArraySource(arrays).symbol_settings(); });
+}
+
+void cls_Impressao::PrintCreatedPDF(PageSurface& impressora, const std::string& DataToEncode)
+{
+    print_symbol(*this, impressora, DataToEncode, [&] {
+        Recordset parametros;
+        Param_Parametros(parametros);
+        return printing::symbol_settings_of(parametros);
     });
 }
 

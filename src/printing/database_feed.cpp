@@ -69,7 +69,7 @@ void cls_Impressao::Param_Produto(std::int32_t varNReq, Recordset& rs_p, std::in
 {
     printing::Page(*this).guarded("Param_Produto", [&] {
         const char* sql = resulset == 1
-                              ? "SELECT * FROM Query_ParteVariavel WHERE N_Req = ?"
+                              ? "SELECT * FROM Query_ParteVariavel WHERE N_Req = ? ORDER BY N_Linha"
                               : "SELECT N_Req, A_Zona_Taxacao, B_Produto, E_Velocidade, D_Quantidade, N_Linha, "
                                 "O_Divisao_Remetente, Q_Conteudo, P_RefCliente, G_PreTratamento "
                                 "FROM Tbl_Temp_Val_Guia WHERE N_Req = ?";

@@ -6,19 +6,11 @@
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
+#include "printing/detail_row.hpp"
 #include "printing/page.hpp"
 
 namespace nimbara {
 namespace {
-
-void detailFont(PageSurface& s)
-{
-    s.setFillColor(kBlack);
-    s.setFontName("Times New Roman");
-    s.setFontSize(8);
-    s.setFontBold(true);
-    s.setFillColor(kBlack);
-}
 
 // Cents as the page shows them: "1,50€"; a single digit counts as cents of its own ("5" is ",05€").
 std::string amount(std::string value)
@@ -26,12 +18,6 @@ std::string amount(std::string value)
     if (chars::length(value) < 2) value.insert(value.begin(), '0');
     const auto n = chars::length(value);
     return chars::left(value, n - 2) + "," + chars::right(value, 2) + "€";
-}
-
-std::string two_digits(std::string code)
-{
-    if (chars::length(code) == 1) code.insert(code.begin(), '0');
-    return code;
 }
 
 }  // namespace
@@ -47,7 +33,7 @@ std::string cls_ImpressaoA::PrintaParteDetail(
     page.guarded("PrintaParteDetail", [&] {
         auto& s = impressora;
         const double y = var_cont + 0.5;
-        detailFont(s);
+        printing::detail_font(s);
         page.printAt(s, 12, y, CampoA);
         page.printAt(s, 21, y, CampoB);
         page.printAt(s, 31.5, y, CampoC);
@@ -79,15 +65,15 @@ std::string cls_ImpressaoA::PrintaSEParteDetail(PageSurface& impressora, std::st
     page.guarded("PrintaSEParteDetail", [&] {
         auto& s = impressora;
         const double y = var_cont + 0.5;
-        detailFont(s);
-        ServEsp = two_digits(std::move(ServEsp));
-        Valor = two_digits(std::move(Valor));
+        printing::detail_font(s);
+        ServEsp = printing::two_digits(std::move(ServEsp));
+        Valor = printing::two_digits(std::move(Valor));
 
         if (tamanho2 > 0) {
             if (!Array_valorEsp) raise(RunTimeError::TypeMismatch);
             double x = 134;
             for (const auto& element : *Array_valorEsp) {
-                const std::string code = two_digits(element);
+                const std::string code = printing::two_digits(element);
                 if (code.empty()) continue;
                 page.printAt(s, x, y, code);
                 x -= 4.0;
@@ -117,6 +103,19 @@ std::int16_t cls_ImpressaoA::CountSEspeciaisComValor(const serv::Table& myArray)
         if (text::require_cell_number(myArray.at(serv::Valor, row)) > 0) ++count;
     }
     return count;
+}
+
+std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
+{
+    auto& s = impressora;
+    const printing::Page page(*this);
+    printing::detail_font(s);
+    // The columns of an earlier layout of the row; the blanks erase where the printer paints the
+    // text's background, and the last characters of an empty text draw nothing.
+    constexpr double y = 108 + 0.5;
+    for (const double x : {10.6, 41.8, 47.8, 60.0, 201.5, 102.0}) page.printAt(s, x, y, "  ");
+    for (const double x : {77.5, 90.0, 114.0, 176.5, 188.5, 224.0, 236.6, 248.2}) page.printAt(s, x, y, "");
+    return {};
 }
 
 }  // namespace nimbara

@@ -12,18 +12,6 @@
 #include "printing/page.hpp"
 
 namespace nimbara {
-namespace {
-
-// A text read as a boolean: the words True and False in any case, or a number, true unless 0.
-bool as_boolean(const std::string& field)
-{
-    const auto t = text::to_upper(text::trim(field));
-    if (t == "TRUE") return true;
-    if (t == "FALSE") return false;
-    return text::require_number(field) != 0;
-}
-
-}  // namespace
 
 std::int32_t ImpressaoComum::ImprimeHeaderFooter(
     PageSurface& impressora2, const std::string& CAMPO_CodTerceiro, const std::string& CAMPO_Ncliente,
@@ -57,7 +45,7 @@ std::int32_t ImpressaoComum::ImprimeHeaderFooter(
 
         s.setCurrentX(page.twipsX(layout.jpp_mark_x));
         s.setCurrentY(page.twipsY(26.2));
-        if (as_boolean(CAMPO_Jpp)) s.Print("X");
+        if (printing::as_boolean(CAMPO_Jpp)) s.Print("X");
 
         const double kind = text::require_number(CAMPO_PPagDif);
         if (kind == 0 || kind == 1 || kind == 2)

@@ -1,10 +1,20 @@
 #include "printing/page.hpp"
 
 #include "foundation/chars.hpp"
+#include "foundation/required_numbers.hpp"
 #include "foundation/run_time_errors.hpp"
+#include "foundation/text.hpp"
 #include "printing/edition_layout.hpp"
 
 namespace nimbara::printing {
+
+bool as_boolean(std::string_view field)
+{
+    const auto t = text::to_upper(text::trim(field));
+    if (t == "TRUE") return true;
+    if (t == "FALSE") return false;
+    return text::require_number(field) != 0;
+}
 
 void Page::printAt(PageSurface& s, double x, double y, std::string_view text) const
 {

@@ -64,6 +64,10 @@ private:
     ImpressaoComum& printer_;
 };
 
+// A text read as a boolean, as the yes/no fields reach the page: the words True and False in any
+// case, or a number, true unless 0; anything else is refused with std::invalid_argument.
+bool as_boolean(std::string_view field);
+
 // Turns line breaks into blanks up to the next multiple of iChars characters, so that fixed slices
 // of iChars fall on the text's own lines.
 std::string replace_breaks(std::string_view sString, std::int16_t iChars);

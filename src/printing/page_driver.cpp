@@ -1,9 +1,11 @@
-// The page driver of the array edition: draws one copy's page plan through the printer's routines,
-// as one print job.
+// The page driver of both editions: draws one copy's page plan through the printer's routines, as
+// one print job.
 #include <variant>
 
 #include "foundation/chars.hpp"
+#include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
+#include "printing/database_source.hpp"
 #include "printing/guia_source.hpp"
 #include "printing/page.hpp"
 #include "printing/page_plan.hpp"
@@ -18,10 +20,52 @@ std::string text_or(const Table& t, typename Table::field_type field, int row, s
     return std::string(c ? std::string_view(*c) : if_empty);
 }
 
+// The routines whose arguments differ between the editions.
+void print_line(cls_ImpressaoA& printer, PageSurface& s, const guia::Table& line, std::int32_t y)
+{
+    const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
+    printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
+                              f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento),
+                              f(guia::Desconto), f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana),
+                              f(guia::TaxEsp_Quantidade), f(guia::DivisaoRemetente), f(guia::caracte),
+                              f(guia::refClie), y);
+}
+
+void print_line(cls_Impressao& printer, PageSurface& s, const guia::Table& line, std::int32_t y)
+{
+    const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
+    printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
+                              f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato), f(guia::PreTratamento),
+                              f(guia::Desconto), f(guia::Vexora), f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana),
+                              f(guia::TaxEsp_Quantidade), f(guia::CodAmbitoDist), y);
+}
+
+void print_page_numbers(cls_ImpressaoA& printer, PageSurface& s, const cab::Table& cab, std::int32_t pag,
+                        std::int32_t TotPaginas)
+{
+    printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, pag, TotPaginas,
+                               std::string(cab.text(cab::NCompromisso, 0)));
+}
+
+void print_page_numbers(cls_Impressao& printer, PageSurface& s, const cab::Table& cab, std::int32_t pag,
+                        std::int32_t TotPaginas)
+{
+    printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, pag, TotPaginas);
+}
+
+void reprint_remarks(cls_ImpressaoA& printer, PageSurface& s, const std::string& text)
+{
+    printer.ReimprimirObservacoes(s, text);
+}
+
+// The database edition's walk has no such step.
+void reprint_remarks(cls_Impressao&, PageSurface&, const std::string&) {}
+
 // Draws the steps of a plan; whatever the surface throws ends the job like a fault of the Guia.
+template <class Printer>
 class PlanDrawing {
 public:
-    PlanDrawing(cls_ImpressaoA& printer, const printing::GuiaSource& source, PageSurface& s,
+    PlanDrawing(Printer& printer, const printing::GuiaSource& source, PageSurface& s,
                 const FormImpressao& imagens, std::int32_t DuplOrig, const std::string& dtRequisicao,
                 std::int32_t TotPaginas)
         : printer(printer), page(printer), source(source), s(s), imagens(imagens), DuplOrig(DuplOrig),
@@ -47,20 +91,12 @@ public:
 
     void operator()(const printing::step::Line& l) const
     {
-        const guia::Table line = printing::printed_line(source, l.index);
-        const auto f = [&](auto field) { return std::string(line.text(field, 0)); };
-        printer.PrintaParteDetail(s, f(guia::A_Zona_Taxacao), f(guia::B_Produto), f(guia::Escalao),
-                                  f(guia::D_Quantidade), f(guia::E_Velocidade), f(guia::Formato),
-                                  f(guia::PreTratamento), f(guia::Desconto), f(guia::Vexora),
-                                  f(guia::Entrega_Sampling), f(guia::TaxEsp_Semana), f(guia::TaxEsp_Quantidade),
-                                  f(guia::DivisaoRemetente), f(guia::caracte), f(guia::refClie), l.y);
+        print_line(printer, s, printing::printed_line(source, l.index), l.y);
     }
 
     void operator()(const printing::step::PageNumbers& n) const
     {
-        const cab::Table& cab = source.header();
-        printer.Imprime_NumPaginas(std::string(cab.text(cab::IDReqAnual, 0)), s, n.pag, TotPaginas,
-                                   std::string(cab.text(cab::NCompromisso, 0)));
+        print_page_numbers(printer, s, source.header(), n.pag, TotPaginas);
     }
 
     void operator()(const printing::step::ServiceRow& r) const
@@ -85,12 +121,12 @@ public:
         }
     }
 
-    void operator()(const printing::step::Remarks& r) const { printer.ReimprimirObservacoes(s, r.text); }
+    void operator()(const printing::step::Remarks& r) const { reprint_remarks(printer, s, r.text); }
 
     void operator()(const printing::step::Symbol& symbol) const { printer.PrintCreatedPDF(s, symbol.payload); }
 
 private:
-    cls_ImpressaoA& printer;
+    Printer& printer;
     printing::Page page;
     const printing::GuiaSource& source;
     PageSurface& s;
@@ -100,45 +136,18 @@ private:
     std::int32_t TotPaginas;
 };
 
-}  // namespace
-
-std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
+// One copy: the plan of the edition drawn page by page as one print job. A fault ends the job
+// where it stands, logged, and the pages drawn until then come out.
+template <class Printer>
+void print_copy(Printer& printer, const printing::GuiaSource& source, PageSurface& s, const FormImpressao& imagens,
+                std::int32_t DuplOrig, const std::string& dtRequisicao)
 {
-    return printing::forecast_pages(printing::ArraySource(arrays));
-}
-
-std::string cls_ImpressaoA::Apaga_RegsUltima_linha(PageSurface& impressora)
-{
-    auto& s = impressora;
-    const printing::Page page(*this);
-    s.setFillColor(kBlack);
-    s.setFontName("Times New Roman");
-    s.setFontSize(8);
-    s.setFontBold(true);
-    s.setFillColor(kBlack);
-    // The columns of an earlier layout of the row; the blanks erase where the printer paints the
-    // text's background, and the last characters of an empty text draw nothing.
-    constexpr double y = 108 + 0.5;
-    for (const double x : {10.6, 41.8, 47.8, 60.0, 201.5, 102.0}) page.printAt(s, x, y, "  ");
-    for (const double x : {77.5, 90.0, 114.0, 176.5, 188.5, 224.0, 236.6, 248.2}) page.printAt(s, x, y, "");
-    return {};
-}
-
-void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t /*varNReq*/,
-                                            std::int16_t /*N_Via*/, PageSurface& impressora2,
-                                            const FormImpressao& imagens, double TopY_, double LeftX_,
-                                            std::int32_t DuplOrig, const std::string& dtRequisicao,
-                                            const std::string& /*NGUIA*/)
-{
-    SetPageOffsets(LeftX_, TopY_);
-    auto& s = impressora2;
-    const printing::ArraySource source(arrays);
-    const printing::PagePlan plan = printing::plan_pages(source);
-    const PlanDrawing draw(*this, source, s, imagens, DuplOrig, dtRequisicao, plan.TotPaginas);
+    const printing::PagePlan plan = printing::plan_pages(source, printer.edition());
+    const PlanDrawing<Printer> draw(printer, source, s, imagens, DuplOrig, dtRequisicao, plan.TotPaginas);
     const auto fail = [&](const std::string& what) {
-        WriteLog("Imprime_Parte_Variavel-Erro:" + what);
+        printer.WriteLog("Imprime_Parte_Variavel-Erro:" + what);
         // The job ends in any case, so that the pages already drawn come out.
-        printing::Page(*this).guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
+        printing::Page(printer).guarded("Imprime_Parte_Variavel", [&] { s.EndDoc(); });
     };
     try {
         for (std::size_t i = 0; i < plan.pages.size(); ++i) {
@@ -154,8 +163,42 @@ void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/
         fail(e.what());
     }
     // The line's symbol section is the walk's own; the properties are left cleared, as after any copy.
-    Total_Se_CodBarras = 0;
-    Str_CodBarrasServEsp.clear();
+    printer.Total_Se_CodBarras = 0;
+    printer.Str_CodBarrasServEsp.clear();
+}
+
+}  // namespace
+
+std::int32_t cls_ImpressaoA::Calcula_TotalidadePaginas(std::int32_t /*varNReq*/)
+{
+    return printing::forecast_pages(printing::ArraySource(arrays));
+}
+
+void cls_ImpressaoA::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t /*varNReq*/,
+                                            std::int16_t /*N_Via*/, PageSurface& impressora2,
+                                            const FormImpressao& imagens, double TopY_, double LeftX_,
+                                            std::int32_t DuplOrig, const std::string& dtRequisicao,
+                                            const std::string& /*NGUIA*/)
+{
+    SetPageOffsets(LeftX_, TopY_);
+    print_copy(*this, printing::ArraySource(arrays), impressora2, imagens, DuplOrig, dtRequisicao);
+}
+
+void cls_Impressao::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/, std::int32_t varNReq,
+                                           std::int16_t /*N_Via*/, PageSurface& impressora2,
+                                           const FormImpressao& imagens, double TopY_, double LeftX_,
+                                           std::int32_t DuplOrig, const std::string& dtRequisicao,
+                                           const std::string& /*NGUIA*/)
+{
+    SetPageOffsets(LeftX_, TopY_);
+    print_copy(*this, printing::DatabaseSource(*this, varNReq), impressora2, imagens, DuplOrig, dtRequisicao);
+}
+
+std::int32_t cls_Impressao::Calcula_TotalidadePaginas(std::int32_t varNReq)
+{
+    const printing::DryRun run = printing::dry_run_pages(printing::DatabaseSource(*this, varNReq));
+    if (run.failure) WriteLog("Calcula_TotalidadePaginas-Erro:" + *run.failure);
+    return run.pages;
 }
 
 }  // namespace nimbara

@@ -28,10 +28,31 @@ bool follows_with_c25(std::string_view product)
     return product == "C03" || product == "C05" || product == "C50";
 }
 
+// What sets the editions' walks apart.
+struct WalkRules {
+    // A "C25" line after a "C03", "C05" or "C50" rides in the symbol as that line's service 25, and
+    // "C25" lines have no item of their own.
+    bool c25_rides_along;
+    // Campaign remarks are gathered and the remarks printed again at the end of each page.
+    bool remarks;
+    // The symbol's line count includes the service rows.
+    bool count_service_rows;
+    std::string (*head)(const cab::Table&, std::int32_t pag, std::int32_t TotPaginas);
+    std::string (*item)(const guia::Table&, int row, std::string_view services, std::int32_t count);
+    std::string (*finish)(std::string& head, std::int32_t pag, std::int32_t line_count, std::string_view items);
+};
+
+constexpr WalkRules kArrayWalk{true, true, false, codigo_cabecalho, item_linha, finish_payload};
+constexpr WalkRules kDatabaseWalk{false, false, true, codigo_cabecalho_db, item_linha_db, finish_payload_db};
+
 // The walk's working state and its steps, which follow the order the page has always been drawn in.
 class Planner {
 public:
-    explicit Planner(const GuiaSource& source) : source(source) {}
+    Planner(const GuiaSource& source, const WalkRules& rules, std::int32_t TotPaginas)
+        : source(source), rules(rules)
+    {
+        plan.TotPaginas = TotPaginas;
+    }
 
     PagePlan run();
 
@@ -46,12 +67,17 @@ private:
     // A finished page's counts and symbol lines, forgotten when the next page starts.
     void forgetPage();
     void turnPage(bool count_first);
-    void finishSymbol() { add(step::Symbol{finish_payload(codigoCabecalho, pag, nLinhas - nSemCodigo, codigoLinhas)}); }
+    void finishSymbol()
+    {
+        const std::int32_t line_count = rules.count_service_rows ? rows() : nLinhas - nSemCodigo;
+        add(step::Symbol{rules.finish(codigoCabecalho, pag, line_count, codigoLinhas)});
+    }
 
     int rows() const { return nLinhas + nExtra; }
     bool page_full() const { return rows() == kRowsPerPage; }
 
     const GuiaSource& source;
+    const WalkRules& rules;
     PagePlan plan;
 
     std::int32_t pag = 0;
@@ -192,14 +218,15 @@ void Planner::printLine()
     const std::string product = f(guia::B_Produto);
 
     add(step::Line{lin, yLinha});
-    const std::string campaign = f(guia::CodigoCampanha);
+    const std::string campaign = rules.remarks ? f(guia::CodigoCampanha) : std::string();
     if (!campaign.empty()) observacoes += "Linha " + std::to_string(rows() + 1) + "- " + campaign + "; ";
     yLinha += kRowPitch;
     pageNumbers();
 
     servLinha = source.services(lin);
     // A "C25" line after these products is this line's service "25" in the symbol.
-    if (follows_with_c25(product) && lin < last && source.line(lin + 1).text(guia::B_Produto, 0) == "C25") {
+    if (rules.c25_rides_along && follows_with_c25(product) && lin < last &&
+        source.line(lin + 1).text(guia::B_Produto, 0) == "C25") {
         Str_CodBarrasServEsp = "25" + pad_zero(source.line(lin + 1).text(guia::Escalao, 0), 7);
         ++Total_Se_CodBarras;
     }
@@ -230,8 +257,8 @@ void Planner::printLine()
     printServices();
 
     ++nLinhas;
-    if (product != "C25")
-        codigoLinhas += item_linha(line, 0, Str_CodBarrasServEsp, Total_Se_CodBarras);
+    if (!rules.c25_rides_along || product != "C25")
+        codigoLinhas += rules.item(line, 0, Str_CodBarrasServEsp, Total_Se_CodBarras);
     else
         ++nSemCodigo;
     const std::string quantity = f(guia::D_Quantidade);
@@ -250,13 +277,12 @@ void Planner::printLine()
 PagePlan Planner::run()
 {
     try {
-        plan.TotPaginas = forecast_pages(source);
         const cab::Table& cab = source.header();
         if (source.line_count() == 0) raise(RunTimeError::TypeMismatch);  // no lines: nothing to walk
         while (!fim) {
             if (page_full()) finishSymbol();
             ++pag;
-            codigoCabecalho = codigo_cabecalho(cab, pag, plan.TotPaginas);
+            codigoCabecalho = rules.head(cab, pag, plan.TotPaginas);
             if (plan.pages.empty() || (page_full() && pag > 1)) {
                 nSemCodigo = 0;
                 Total_Se_CodBarras = 0;
@@ -283,12 +309,13 @@ PagePlan Planner::run()
                 totalQuantidade = 0;
             }
             pageNumbers();
-            add(step::Remarks{std::string(cab.text(cab::Obs, 0)) + "\r\n" + observacoes});
+            if (rules.remarks) add(step::Remarks{std::string(cab.text(cab::Obs, 0)) + "\r\n" + observacoes});
         }
         finishSymbol();
     } catch (const std::exception& e) {
         plan.failure = e.what();
     }
+    plan.pag = pag;
     return std::move(plan);
 }
 
@@ -323,6 +350,16 @@ std::int32_t forecast_pages(const GuiaSource& source)
     return pages;
 }
 
-PagePlan plan_pages(const GuiaSource& source) { return Planner(source).run(); }
+DryRun dry_run_pages(const GuiaSource& source)
+{
+    PagePlan walk = Planner(source, kDatabaseWalk, 0).run();
+    return {walk.pag, std::move(walk.failure)};
+}
+
+PagePlan plan_pages(const GuiaSource& source, Edition edition)
+{
+    if (edition == Edition::Database) return Planner(source, kDatabaseWalk, dry_run_pages(source).pages).run();
+    return Planner(source, kArrayWalk, forecast_pages(source)).run();
+}
 
 }  // namespace nimbara::printing

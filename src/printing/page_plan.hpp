@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "printing/guia_source.hpp"
 
@@ -65,15 +66,25 @@ struct PlannedPage {
 struct PagePlan {
     std::int32_t TotPaginas = 0;  // the forecast, which the page numbers and the symbols carry
     std::vector<PlannedPage> pages;
+    std::int32_t pag = 0;  // the page counter where the walk ended, which can run ahead of the sheets
     // What stopped the walk, if anything did: the steps before it are drawn, and the job ends there.
     std::optional<std::string> failure;
 };
 
-// The pages foretold from the rows the lines and their services need. A fault in the Guia ends the
-// count where it stands.
+// The array edition's forecast: the pages foretold from the rows the lines and their services need.
+// A fault in the Guia ends the count where it stands.
 std::int32_t forecast_pages(const GuiaSource& source);
 
-// The whole walk of one copy. It never throws: a fault in the Guia becomes the plan's failure.
-PagePlan plan_pages(const GuiaSource& source);
+// The database edition's forecast: the walk itself, without drawing; its page counter at the end,
+// and what stopped it, if anything did.
+struct DryRun {
+    std::int32_t pages;
+    std::optional<std::string> failure;
+};
+DryRun dry_run_pages(const GuiaSource& source);
+
+// The whole walk of one copy in the edition's manner. It never throws: a fault in the Guia becomes
+// the plan's failure.
+PagePlan plan_pages(const GuiaSource& source, Edition edition = Edition::Array);
 
 }  // namespace nimbara::printing

@@ -12,6 +12,7 @@
 
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
+#include "printing/call_log.hpp"
 #include "printing/recording_surface.hpp"
 #include "support/sample_guia.hpp"
 #include "support/temp_folder.hpp"
@@ -20,44 +21,12 @@ using namespace nimbara;
 using nimbara::printing::RecordingSurface;
 using nimbara::testing::add_line;
 using nimbara::testing::add_service;
+using nimbara::testing::call_log;
+using nimbara::testing::first_difference;
 using nimbara::testing::LineShape;
 using nimbara::testing::sample_guia;
 
 namespace {
-
-// One call a line: the operation, its numbers (whole ones without decimals, others to a thousandth
-// of a twip) and its text in quotes.
-std::string call_log(const RecordingSurface& s)
-{
-    std::ostringstream out;
-    char number[64];
-    for (const auto& c : s.calls()) {
-        out << c.op;
-        for (const double n : c.numbers) {
-            if (n == std::trunc(n)) std::snprintf(number, sizeof number, " %.0f", n);
-            else std::snprintf(number, sizeof number, " %.3f", n);
-            out << number;
-        }
-        if (!c.text.empty()) out << " \"" << c.text << '"';
-        out << '\n';
-    }
-    return out.str();
-}
-
-// The first line where the two logs part, with both versions.
-std::string first_difference(const std::string& expected, const std::string& actual)
-{
-    std::istringstream e(expected), a(actual);
-    std::string le, la;
-    for (int line = 1;; ++line) {
-        const bool more_e = static_cast<bool>(std::getline(e, le));
-        const bool more_a = static_cast<bool>(std::getline(a, la));
-        if (!more_e && !more_a) return "identical";
-        if (!more_e || !more_a || le != la)
-            return "line " + std::to_string(line) + ": expected \"" + (more_e ? le : "<end>") + "\", printed \"" +
-                   (more_a ? la : "<end>") + "\"";
-    }
-}
 
 // A Guia printed as one copy by the array edition's page driver.
 std::function<void(RecordingSurface&)> printed_guia(std::function<void(GuiaArrays&)> lines, double left = 0, double top = 0)

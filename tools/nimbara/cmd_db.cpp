@@ -5,7 +5,7 @@ namespace nimbara::cli {
 
 void register_db(CLI::App& app, int& status)
 {
-    auto* db = app.add_subcommand("db", "Work on the database: create it, read its lists and settings, store clients and Guias, check Guias against its rule tables, import an old one");
+    auto* db = app.add_subcommand("db", "Work on the database: create it, read its lists and settings, store clients and Guias, check Guias against its rule tables, print them, import an old one");
     db->require_subcommand(1);
     register_db_init(*db, status);
     register_db_refs(*db, status);
@@ -16,6 +16,7 @@ void register_db(CLI::App& app, int& status)
     register_db_guia(*db, status);
     register_db_client(*db, status);
     register_db_check(*db, status);
+    register_db_print(*db, status);
 }
 
 }  // namespace nimbara::cli

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <stdexcept>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -35,8 +36,9 @@ private:
     bool verbose_;
 };
 
-struct Refusal {
-    std::string message;
+// Input or an output place the command refuses; its text is the whole message.
+struct Refusal : std::runtime_error {
+    using std::runtime_error::runtime_error;
 };
 
 GuiaFile read_input(const std::string& file)
@@ -51,29 +53,6 @@ GuiaFile read_input(const std::string& file)
     }
     if (std::cin.bad()) throw GuiaFileError("<stdin>: cannot read standard input");
     return parse_guia_file(text, "<stdin>");
-}
-
-// Creates the folder with its parents when it is missing.
-fs::path usable_folder(const std::string& what, const fs::path& folder)
-{
-    std::error_code ec;
-    fs::create_directories(folder, ec);
-    if (ec) throw Refusal{"cannot create the " + what + " \"" + folder.string() + "\": " + ec.message()};
-    if (!fs::is_directory(folder, ec)) throw Refusal{"the " + what + " \"" + folder.string() + "\" is not a folder"};
-    return folder;
-}
-
-// Beside the program when its folder can be written (as the component always logged), otherwise in
-// the user's state folder.
-fs::path default_print_log()
-{
-    std::error_code ec;
-    const auto program = fs::read_symlink("/proc/self/exe", ec);
-    if (!ec && ::access(program.parent_path().c_str(), W_OK) == 0) return program.parent_path() / "nimbara.log";
-    const char* state = std::getenv("XDG_STATE_HOME");
-    const char* home = std::getenv("HOME");
-    const fs::path base = state && *state ? fs::path(state) : fs::path(home ? home : ".") / ".local" / "state";
-    return usable_folder("print log folder", base / "nimbara") / "nimbara.log";
 }
 
 nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems, int status)
@@ -175,6 +154,26 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
 
 }  // namespace
 
+fs::path usable_folder(const std::string& what, const fs::path& folder)
+{
+    std::error_code ec;
+    fs::create_directories(folder, ec);
+    if (ec) throw Refusal{"cannot create the " + what + " \"" + folder.string() + "\": " + ec.message()};
+    if (!fs::is_directory(folder, ec)) throw Refusal{"the " + what + " \"" + folder.string() + "\" is not a folder"};
+    return folder;
+}
+
+fs::path default_print_log()
+{
+    std::error_code ec;
+    const auto program = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec && ::access(program.parent_path().c_str(), W_OK) == 0) return program.parent_path() / "nimbara.log";
+    const char* state = std::getenv("XDG_STATE_HOME");
+    const char* home = std::getenv("HOME");
+    const fs::path base = state && *state ? fs::path(state) : fs::path(home ? home : ".") / ".local" / "state";
+    return usable_folder("print log folder", base / "nimbara") / "nimbara.log";
+}
+
 void add_guia_options(CLI::App& cmd, GuiaRun& r, bool many)
 {
     cmd.add_option("GUIA", r.files, many ? "The Guia files (JSON), handled in turn; - reads standard input"
@@ -197,7 +196,7 @@ int run_guia(const GuiaRun& r, std::ostream& out, std::ostream& err, const std::
     } catch (const GuiaFileError& e) {
         err << "nimbara " << command << ": " << e.what() << '\n';
     } catch (const Refusal& e) {
-        err << "nimbara " << command << ": " << e.message << '\n';
+        err << "nimbara " << command << ": " << e.what() << '\n';
     }
     return 2;
 }

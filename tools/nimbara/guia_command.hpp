@@ -3,6 +3,7 @@
 // and write its answer.
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -27,6 +28,14 @@ struct GuiaRun {
     // The printer every Guia shares (a batch), instead of a PDF file per copy.
     std::shared_ptr<PageSurface> printer;
 };
+
+// Creates the folder with its parents when it is missing; a place that cannot be a folder is
+// refused with std::runtime_error naming `what` and the place.
+std::filesystem::path usable_folder(const std::string& what, const std::filesystem::path& folder);
+
+// The print log: nimbara.log beside the program when its folder can be written (as the component
+// always logged), otherwise in the user's state folder.
+std::filesystem::path default_print_log();
 
 // The options both commands take; `many` lets the command take several Guia files.
 void add_guia_options(CLI::App& command, GuiaRun& run, bool many = false);
