@@ -18,8 +18,8 @@ void cls_Guia_SEspecial::save()
     else
         // A stored service whose row is gone changes nothing and raises nothing.
         require(myConn).execute_queued("UPDATE Tbl_Linha_ServicoEspecial SET Valor = ? "
-                                "WHERE N_Req = ? AND N_Linha = ? AND CodigoServicoEspecial = ?",
-                                {vValor, vNReq, vNLinha, vCodigoServicoEspecial});
+                                       "WHERE N_Req = ? AND N_Linha = ? AND CodigoServicoEspecial = ?",
+                                       {vValor, vNReq, vNLinha, vCodigoServicoEspecial});
 }
 
 void cls_Guia_SEspecial::remove()
