@@ -76,12 +76,13 @@ bool cls_Guia_Cabecalho::DoSaveNumerada()
     const bool saved = entities::keep_failure(last_error_, [&] {
         Database& db = require(myConn);
         Transaction t(db, TransactionMode::Numbering);
-        const Timestamp year_start{vDReq.year, 1, 1}, next_year{vDReq.year + 1, 1, 1};
+        // Each maximum is one seek in an index (the year's through ix_Cab_Cliente_Ano's expression).
         const Recordset highest = db.open(
             "SELECT (SELECT MAX(N_Req) FROM Tbl_Cab) AS N_Req, "
             "(SELECT MAX(N_Req2) FROM Tbl_Cab WHERE Id_Cliente = ?) AS N_Req2, "
-            "(SELECT MAX(Id_Req_Anual) FROM Tbl_Cab WHERE Id_Cliente = ? AND D_Req >= ? AND D_Req < ?) AS Anual",
-            {iId_Cliente, iId_Cliente, year_start, next_year});
+            "(SELECT MAX(Id_Req_Anual) FROM Tbl_Cab WHERE Id_Cliente = ? AND " +
+                db.year_of("D_Req") + " = ?) AS Anual",
+            {iId_Cliente, iId_Cliente, vDReq.year});
         const auto next = [&](const char* name) {
             return highest[name].is_null() ? 1 : static_cast<std::int32_t>(highest[name].integer()) + 1;
         };

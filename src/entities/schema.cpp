@@ -12,7 +12,7 @@ void CreateSchema(Database& db)
             throw SchemaExistsError("the database already has the table " + name +
                                     "; it was created before, and nothing was changed");
     Transaction transaction(db);
-    for (const auto& statement : entities::schema_statements()) db.execute(statement);
+    for (const auto& statement : entities::schema_statements(db)) db.execute(statement);
     entities::seed_schema(db);
     // After the seed, so that the counter starts at 1 rather than at the number of seeded rows.
     for (const auto& statement : entities::rule_counter_statements(db.kind())) db.execute(statement);

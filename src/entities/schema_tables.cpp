@@ -123,8 +123,6 @@ const std::vector<Table>& tables()
 constexpr const char* kIndexes[] = {
     "CREATE INDEX ix_Cliente_Cod ON Tbl_Cliente (Cod_Cliente)",
     "CREATE INDEX ix_Cab_Cliente ON Tbl_Cab (Id_Cliente, N_Req2)",
-    // The year's highest number of a client is read from the index alone, however many Guias it has.
-    "CREATE INDEX ix_Cab_Cliente_Ano ON Tbl_Cab (Id_Cliente, D_Req, Id_Req_Anual)",
     "CREATE INDEX ix_Cab_Contrato ON Tbl_Cab (Id_Cliente, Cod_Contrato)",
     "CREATE INDEX ix_Cab_Data ON Tbl_Cab (D_Req)",
     "CREATE INDEX ix_Temp_NReq ON Tbl_Temp_Val_Guia (N_Req)",
@@ -163,12 +161,16 @@ std::string create_table(const Table& t)
 
 }  // namespace
 
-std::vector<std::string> schema_statements()
+std::vector<std::string> schema_statements(const Database& db)
 {
     std::vector<std::string> statements;
     for (const auto& t : tables()) statements.push_back(create_table(t));
     statements.emplace_back(kView);
     statements.insert(statements.end(), std::begin(kIndexes), std::end(kIndexes));
+    // Keyed by the year itself, so that a client's highest number of the year is one seek however
+    // many Guias the year holds; the numbering query names the year by the same expression.
+    statements.push_back("CREATE INDEX ix_Cab_Cliente_Ano ON Tbl_Cab (Id_Cliente, (" + db.year_of("D_Req") +
+                         "), Id_Req_Anual)");
     return statements;
 }
 

@@ -7,8 +7,9 @@
 
 namespace nimbara::entities {
 
-// The statements that create the tables, the view and the indexes, in order.
-std::vector<std::string> schema_statements();
+// The statements that create the tables, the view and the indexes, in order, as the store spells
+// them.
+std::vector<std::string> schema_statements(const Database& db);
 
 // The names of the tables the statements create; a database holding any of them has the schema.
 const std::vector<std::string>& schema_table_names();
