@@ -28,6 +28,9 @@ struct Table {
     const char* name;
     std::vector<Column> columns;
     const char* key;  // the primary key's columns, or nullptr where the register names none
+    // Kept in the order of its key on SQLite, where rows read by their key's first columns are then
+    // found in the key's tree itself rather than by a seek from it.
+    bool clustered = false;
 };
 
 std::vector<Column> reference_columns(bool with_activo, const char* code_type = kCode)
@@ -70,10 +73,10 @@ const std::vector<Table>& tables()
           {"M_TaxEsp_Quantidade", kShort}, {"N_Ambito_Distrib", kCode}, {"LinhaContinuacao", kShortText},
           {"O_Divisao_Remetente", kShortText}, {"CodigoCampanha", kShortText}, {"Q_Conteudo", kCode},
           {"P_RefCliente", kShortText}},
-         "N_Req, N_Linha"},
+         "N_Req, N_Linha", true},
         {"Tbl_Linha_ServicoEspecial",
          {{"N_Req", kLong}, {"N_Linha", kShort}, {"CodigoServicoEspecial", kCode}, {"Valor", kShortText}},
-         "N_Req, N_Linha, CodigoServicoEspecial"},
+         "N_Req, N_Linha, CodigoServicoEspecial", true},
         {"Tbl_Temp_Val_Guia",
          {{"N_Req", kLong}, {"A_Zona_Taxacao", kCode}, {"B_Produto", kCode}, {"E_Velocidade", kCode},
           {"D_Quantidade", kLong}, {"N_Linha", kShort}, {"O_Divisao_Remetente", kShortText},
@@ -153,13 +156,13 @@ constexpr const char* kView =
 
 bool has_designation(const Table& t) { return t.columns.size() >= 2 && std::string_view(t.columns[1].name) == "Designacao"; }
 
-std::string create_table(const Table& t)
+std::string create_table(const Table& t, StoreKind kind)
 {
     std::string sql = "CREATE TABLE " + std::string(t.name) + " (";
     for (std::size_t i = 0; i < t.columns.size(); ++i)
         sql += std::string(i ? ", " : "") + t.columns[i].name + " " + t.columns[i].type;
     if (t.key) sql += ", PRIMARY KEY (" + std::string(t.key) + ")";
-    return sql + ")";
+    return sql + (t.clustered && kind == StoreKind::SQLite ? ") WITHOUT ROWID" : ")");
 }
 
 }  // namespace
@@ -167,7 +170,7 @@ std::string create_table(const Table& t)
 std::vector<std::string> schema_statements(const Database& db)
 {
     std::vector<std::string> statements;
-    for (const auto& t : tables()) statements.push_back(create_table(t));
+    for (const auto& t : tables()) statements.push_back(create_table(t, db.kind()));
     statements.emplace_back(kView);
     statements.insert(statements.end(), std::begin(kIndexes), std::end(kIndexes));
     // The listings and the printing join each line to the designations of its codes: read from the

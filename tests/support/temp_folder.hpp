@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,7 +16,7 @@ class TempFolder {
 public:
     // A suite's shared folder names itself, as no test is running when it is made.
     explicit TempFolder(const std::string& name = ::testing::UnitTest::GetInstance()->current_test_info()->name())
-        : path_(std::filesystem::temp_directory_path() / ("nimbara-" + std::to_string(::getpid()) + "-" + name))
+        : path_(std::filesystem::temp_directory_path() / ("nimbara-" + std::to_string(::getpid()) + "-" + flat(name)))
     {
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
@@ -38,6 +39,14 @@ public:
     }
 
 private:
+    // A parameterised test's name ends in "/0": kept, it would make a folder inside a folder that
+    // the clean-up leaves behind.
+    static std::string flat(std::string name)
+    {
+        std::replace(name.begin(), name.end(), '/', '_');
+        return name;
+    }
+
     std::filesystem::path path_;
 };
 

@@ -22,6 +22,8 @@ std::unique_ptr<ScratchDatabase> ScratchDatabase::make(Store store, std::string&
     std::unique_ptr<ScratchDatabase> s(new ScratchDatabase);
     if (store == Store::SQLite) {
         s->folder_ = (std::filesystem::temp_directory_path() / ("nimbara-db-" + unique)).string();
+        // A process killed before its clean-up leaves its folder, which a later one of the same pid finds.
+        std::filesystem::remove_all(s->folder_);
         std::filesystem::create_directories(s->folder_);
         s->conn_ = "sqlite:" + s->folder_ + "/guias.db";
         return s;
