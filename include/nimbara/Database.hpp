@@ -42,6 +42,9 @@ public:
 
 enum class StoreKind { SQLite, PostgreSQL };
 
+// How a date is written as text: YYYY-MM-DD, DD/MM/YYYY or DD-MM-YYYY.
+enum class DateText { Iso, DaySlashed, DayDashed };
+
 // How a transaction begins. `Numbering` serialises the writers that take new numbers, so that two
 // stations never read the same maximum: the whole file on SQLite, one advisory lock on PostgreSQL.
 // `Reading` reads several queries from one state of the database, without blocking writers (a
@@ -97,8 +100,8 @@ public:
     // The dialect's spellings of the few expressions that differ between the stores.
     virtual std::string year_of(std::string_view expression) const = 0;
     virtual std::string month_of(std::string_view expression) const = 0;
-    // A date as the text YYYY-MM-DD.
-    virtual std::string date_text(std::string_view expression) const = 0;
+    // A date as text in one of the layouts the listings show.
+    virtual std::string date_text(std::string_view expression, DateText layout) const = 0;
     // The literal of a yes/no value inside a statement (in a view, say, where nothing is bound).
     virtual std::string_view boolean_literal(bool value) const = 0;
 

@@ -70,13 +70,6 @@ std::int32_t filter_number(const std::string& value, const char* what)
 
 bool given(const std::string& value) { return !value.empty() && value != "0"; }
 
-// The date as dd/mm/yyyy, from the store's YYYY-MM-DD.
-std::string day_first(const Database& db, const char* column)
-{
-    const std::string iso = db.date_text(column);
-    return "substr(" + iso + ", 9, 2) || '/' || substr(" + iso + ", 6, 2) || '/' || substr(" + iso + ", 1, 4)";
-}
-
 std::string where(const std::vector<std::string>& conditions)
 {
     std::string sql;
@@ -228,7 +221,7 @@ Query guia_lines_query(const Database& db, const std::string& strAno, const std:
     const std::optional<std::int32_t> month =
         given(strMes) ? std::optional(filter_number(strMes, "month")) : std::nullopt;
     date_filter(db, year, month, conditions, q.values);
-    q.sql = std::string("SELECT ") + kLineColumns + day_first(db, "Tbl_Cab.D_Req") + " AS \"Data\", " +
+    q.sql = std::string("SELECT ") + kLineColumns + db.date_text("Tbl_Cab.D_Req", DateText::DaySlashed) + " AS \"Data\", " +
             kLineColumnsAfterDate + kLineTables;
     q.sql += where(conditions);
     // The lines of one Guia come in their order whatever order was asked for.

@@ -153,13 +153,10 @@ void cls_Guia_Cabecalho::SelectAll(Recordset& rs) { rs = require(myConn).open("S
 
 void cls_Guia_Cabecalho::SelectLista(Recordset& rs)
 {
-    const Database& db = require(myConn);
-    const std::string iso = db.date_text("Tbl_Cab.D_Req");
-    const std::string day_first =
-        "substr(" + iso + ", 9, 2) || '-' || substr(" + iso + ", 6, 2) || '-' || substr(" + iso + ", 1, 4)";
-    rs = require(myConn).open(
+    Database& db = require(myConn);
+    rs = db.open(
         "SELECT Tbl_Cliente.Cod_Cliente, Tbl_Cab.Cod_Contrato, Tbl_Cliente.Nome, Tbl_Cab.Id_Req_Anual AS Guia, " +
-        day_first + " AS Data_Req, Tbl_Cab.Observacoes, Tbl_Cab.N_Req, Tbl_Cab.nCompromisso "
+        db.date_text("Tbl_Cab.D_Req", DateText::DayDashed) + " AS Data_Req, Tbl_Cab.Observacoes, Tbl_Cab.N_Req, Tbl_Cab.nCompromisso "
         "FROM Tbl_Cab INNER JOIN Tbl_Contrato ON Tbl_Cab.Cod_Contrato = Tbl_Contrato.Cod_Contrato "
         "INNER JOIN Tbl_Cliente ON Tbl_Cab.Id_Cliente = Tbl_Cliente.Id_Cliente "
         "WHERE Tbl_Cliente.Id_Cliente = Tbl_Contrato.Id_Cliente "

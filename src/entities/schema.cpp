@@ -14,6 +14,7 @@ void CreateSchema(Database& db)
     Transaction transaction(db);
     for (const auto& statement : entities::schema_statements(db)) db.execute(statement);
     entities::seed_schema(db);
+    for (const auto& statement : entities::statistics_statements()) db.execute(statement);
     // After the seed, so that the counter starts at 1 rather than at the number of seeded rows.
     for (const auto& statement : entities::rule_counter_statements(db.kind())) db.execute(statement);
     transaction.commit();

@@ -11,6 +11,10 @@ namespace nimbara::entities {
 // them.
 std::vector<std::string> schema_statements(const Database& db);
 
+// The statistics of the seeded reference lists, without which SQLite's planner prefers the key to
+// the covering index of the designations.
+std::vector<std::string> statistics_statements();
+
 // The names of the tables the statements create; a database holding any of them has the schema.
 const std::vector<std::string>& schema_table_names();
 

@@ -122,7 +122,11 @@ public:
     {
         return "CAST(strftime('%m', " + std::string(e) + ") AS INTEGER)";
     }
-    std::string date_text(std::string_view e) const override { return "strftime('%Y-%m-%d', " + std::string(e) + ")"; }
+    std::string date_text(std::string_view e, DateText layout) const override
+    {
+        constexpr const char* patterns[] = {"'%Y-%m-%d'", "'%d/%m/%Y'", "'%d-%m-%Y'"};
+        return "strftime(" + std::string(patterns[static_cast<int>(layout)]) + ", " + std::string(e) + ")";
+    }
     std::string_view boolean_literal(bool v) const override { return v ? "1" : "0"; }
 
 private:

@@ -209,10 +209,14 @@ TEST_P(DatabaseTest, DialectAnswersTheDateQuestions)
     db->execute("CREATE TABLE T (D TIMESTAMP)");
     db->execute("INSERT INTO T VALUES (?)", {Timestamp{2023, 11, 4, 10, 30, 0}});
     Recordset parts = db->open("SELECT " + db->year_of("D") + " AS Y, " + db->month_of("D") + " AS M, " +
-                               db->date_text("D") + " AS Txt FROM T");
+                               db->date_text("D", DateText::Iso) + " AS Iso, " +
+                               db->date_text("D", DateText::DaySlashed) + " AS Slashed, " +
+                               db->date_text("D", DateText::DayDashed) + " AS Dashed FROM T");
     EXPECT_EQ(parts["Y"].integer(), 2023);
     EXPECT_EQ(parts["M"].integer(), 11);
-    EXPECT_EQ(parts["Txt"].text(), "2023-11-04");
+    EXPECT_EQ(parts["Iso"].text(), "2023-11-04");
+    EXPECT_EQ(parts["Slashed"].text(), "04/11/2023");
+    EXPECT_EQ(parts["Dashed"].text(), "04-11-2023");
 
     db->execute("CREATE TABLE B (Yes BOOLEAN)");
     db->execute("INSERT INTO B VALUES (?), (?), (?)", {true, false, true});

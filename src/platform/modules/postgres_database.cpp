@@ -180,9 +180,10 @@ public:
     {
         return "CAST(EXTRACT(MONTH FROM " + std::string(e) + ") AS INTEGER)";
     }
-    std::string date_text(std::string_view e) const override
+    std::string date_text(std::string_view e, DateText layout) const override
     {
-        return "to_char(" + std::string(e) + ", 'YYYY-MM-DD')";
+        constexpr const char* patterns[] = {"'YYYY-MM-DD'", "'DD/MM/YYYY'", "'DD-MM-YYYY'"};
+        return "to_char(" + std::string(e) + ", " + patterns[static_cast<int>(layout)] + ")";
     }
     std::string_view boolean_literal(bool v) const override { return v ? "TRUE" : "FALSE"; }
 
