@@ -22,6 +22,7 @@ install(FILES ${CMAKE_BINARY_DIR}/nimbaraConfig.cmake ${CMAKE_BINARY_DIR}/nimbar
 
 # pkg-config: the shared library by default, the static one's third-party libraries with --static.
 set(NIMBARA_PC_REQUIRES_PRIVATE "sqlite3")
-set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS}")
+# A static host finds the modules through its own RUNPATH.
+set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS} -Wl,-rpath,\${libdir}/nimbara")
 configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -24,12 +24,7 @@ Module::Module(std::string file) : file_(std::move(file)), handle_(::dlopen(file
     if (!handle_) throw ModuleError("cannot load the module \"" + file_ + "\": " + loader_reason());
 }
 
-Module::~Module()
-{
-    if (handle_) ::dlclose(handle_);
-}
-
-Module::Module(Module&& other) noexcept : file_(std::move(other.file_)), handle_(std::exchange(other.handle_, nullptr)) {}
+Module::~Module() { ::dlclose(handle_); }
 
 void* Module::address(const char* symbol) const
 {
@@ -51,7 +46,7 @@ const Module& loaded_module(std::string_view name)
     static auto& modules = *new std::map<std::string, Module, std::less<>>;
     const std::lock_guard lock(guard);
     if (const auto it = modules.find(name); it != modules.end()) return it->second;
-    return modules.emplace(std::string(name), Module(module_file(name))).first->second;
+    return modules.try_emplace(std::string(name), module_file(name)).first->second;
 }
 
 }  // namespace nimbara::platform

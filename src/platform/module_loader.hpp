@@ -24,8 +24,6 @@ public:
     // LD_LIBRARY_PATH), or a path.
     explicit Module(std::string file);
     ~Module();
-    Module(Module&& other) noexcept;
-    Module& operator=(Module&&) = delete;
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 

@@ -89,7 +89,6 @@ std::shared_ptr<cairo_surface_t> make_image(const Picture& p)
     return s;
 }
 
-
 // What drawing pages with cairo keeps between them: the text layouts and the pictures' rasters.
 class CairoPainter {
 public:
