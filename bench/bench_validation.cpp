@@ -279,11 +279,11 @@ namespace {
 nimbara::GuiaArrays twelve_line_guia()
 {
     nimbara::cls_ValProdutosA g;
-    g.PreencheCabecalho("7", "", "456", "", "", "Ana", "", "", "", "", "", "", "", "", "", "", "2026/7", "", "", "0");
+    (void)g.PreencheCabecalho("7", "", "456", "", "", "Ana", "", "", "", "", "", "", "", "", "", "", "2026/7", "", "", "0");
     const auto add = [&](std::string_view zone, std::string_view product, std::string_view weight,
                          std::string_view format, std::string_view discount, std::string_view services,
                          std::string_view pre = "1") {
-        g.PreencheProduto(zone, product, "0", "300", "1", services, "0", weight, format, pre, discount, "", "", "0", "",
+        (void)g.PreencheProduto(zone, product, "0", "300", "1", services, "0", weight, format, pre, discount, "", "", "0", "",
                           "", "", "", "", "");
     };
     for (int i = 0; i < 5; ++i) add("01", "C01", std::to_string(10 + i * 20), "02", "0", "0");

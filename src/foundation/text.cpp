@@ -66,6 +66,15 @@ std::optional<std::int32_t> parse_int32(std::string_view s)
 {
     if (!s.empty() && s.front() == '+') s.remove_prefix(1);
     if (s.empty()) return std::nullopt;
+    // Up to nine plain digits cannot overflow: read on the spot, as nearly every weight is.
+    if (s.size() <= 9 && s.front() != '-') {
+        std::int32_t value = 0;
+        for (const char c : s) {
+            if (c < '0' || c > '9') return std::nullopt;
+            value = value * 10 + (c - '0');
+        }
+        return value;
+    }
     std::int32_t value = 0;
     const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), value);
     if (ec != std::errc{} || end != s.data() + s.size()) return std::nullopt;

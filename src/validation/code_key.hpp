@@ -36,6 +36,12 @@ inline std::optional<CodeKey> code_key(std::string_view code)
     return (static_cast<CodeKey>(n) << 56) | bytes;
 }
 
+// Stands in for the key of a code too long to have one; no code that has a key is given it, so
+// equal keys mean equal codes unless both are this one.
+inline constexpr CodeKey kLongCode = ~CodeKey{0};
+
+inline CodeKey key_or_long(std::string_view code) { return code_key(code).value_or(kLongCode); }
+
 // Keys of different kinds (a zone, a speed, a product ...) share one table when each kind sets the top
 // four bits, which no key uses: its length takes bits 56 to 58.
 inline constexpr CodeKey tagged(CodeKey key, unsigned kind) { return key | (static_cast<CodeKey>(kind & 0xF) << 60); }

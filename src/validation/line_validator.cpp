@@ -72,36 +72,43 @@ public:
     {
         if (!present_) return std::nullopt;
         if (!more_.empty()) return std::span<const std::string_view>(more_);
-        return std::span<const std::string_view>(few_.data(), count_);
+        return std::span<const std::string_view>(few_.codes.data(), count_);
+    }
+    // Each service's key, in the same order.
+    std::span<const CodeKey> keys() const
+    {
+        if (!more_keys_.empty()) return more_keys_;
+        return {few_keys_.data(), count_};
     }
 
 private:
     void add(std::string_view code)
     {
-        if (count_ < few_.size()) {
-            few_[count_++] = code;
+        if (count_ < few_.codes.size()) {
+            few_.codes[count_] = code;
+            few_keys_[count_++] = key_or_long(code);
             return;
         }
-        if (more_.empty()) more_.assign(few_.begin(), few_.end());
+        if (more_.empty()) {
+            more_.assign(few_.codes.begin(), few_.codes.end());
+            more_keys_.assign(few_keys_.begin(), few_keys_.end());
+        }
         more_.push_back(code);
+        more_keys_.push_back(key_or_long(code));
     }
 
-    std::array<std::string_view, 8> few_;
+    // Left unset until a code is added: a line is split once per check, and clearing eight codes
+    // first would cost as much as splitting them.
+    union Few {
+        Few() {}
+        std::array<std::string_view, 8> codes;
+    } few_;
+    std::array<CodeKey, 8> few_keys_;  // likewise unset: plain integers are not cleared
     std::size_t count_ = 0;
     std::vector<std::string_view> more_;
+    std::vector<CodeKey> more_keys_;
     bool present_ = false;
 };
-
-// Keeps the rules of `alive` for which keep(rule) holds.
-template <class Keep>
-RuleSet keep_if(const RuleIndex::Product& product, RuleSet alive, Keep keep)
-{
-    for (RuleSet bits = alive; bits != 0; bits &= bits - 1) {
-        const int i = std::countr_zero(bits);
-        if (!keep(*product.rules[static_cast<std::size_t>(i)])) alive &= ~(RuleSet{1} << i);
-    }
-    return alive;
-}
 
 }  // namespace
 
@@ -151,9 +158,7 @@ LineVerdict check_line(const RuleIndex& index, const LineInput& line)
             alive &= ~(RuleSet{1} << i);
         }
     } else {
-        alive = keep_if(*product, alive, [w = line.weight](const IndexedRule& r) {
-            return r.weight_row && r.min < w && r.max >= w;
-        });
+        alive &= product->holding_weight(line.weight);
     }
     if (alive == 0) return fail(-3, "Erro na Validação do Peso");
 
@@ -183,9 +188,9 @@ LineVerdict check_line(const RuleIndex& index, const LineInput& line)
 
     const SplitServices split(line.services);
     const Services services = split.services();
-    if (services && !admits_all_services(rule, *services)) return {-10, {}, {}, &rule};
+    if (services && !admits_all_services(rule, *services, split.keys())) return {-10, {}, {}, &rule};
 
-    const ProductServiceVerdict verdict = DoValServEspByProduto(line.product, line.zone, services);
+    const ProductServiceVerdict verdict = DoValServEspByProduto(product->service_family, line.zone, services);
     if (verdict.code <= -1 && verdict.code >= -9) return {product_service_error_number(verdict.code), {}, verdict.list, nullptr};
     return {};
 }

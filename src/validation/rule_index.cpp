@@ -1,11 +1,34 @@
 #include "validation/rule_index.hpp"
 
+#include <algorithm>
 #include <map>
 #include <stdexcept>
 #include <utility>
 
 namespace nimbara::validation {
 namespace {
+
+// A rule holds weight w when min < w <= max, which changes only where w passes a min or a max: every
+// weight in the stretch (end[n-1], end[n]] has the rules that end[n] has, and those above the last end
+// the rules of the last end plus one.
+void index_weights(RuleIndex::Product& product)
+{
+    for (const IndexedRule* rule : product.rules)
+        if (rule->weight_row) product.weight_ends.insert(product.weight_ends.end(), {rule->min, rule->max});
+    std::sort(product.weight_ends.begin(), product.weight_ends.end());
+    product.weight_ends.erase(std::unique(product.weight_ends.begin(), product.weight_ends.end()),
+                              product.weight_ends.end());
+    const auto holding = [&](std::int64_t w) {
+        RuleSet set = 0;
+        for (std::size_t i = 0; i < product.rules.size(); ++i) {
+            const IndexedRule& r = *product.rules[i];
+            if (r.weight_row && r.min < w && r.max >= w) set |= RuleSet{1} << i;
+        }
+        return set;
+    };
+    for (const std::int32_t end : product.weight_ends) product.weight_sets.push_back(holding(end));
+    product.weight_sets.push_back(product.weight_ends.empty() ? 0 : holding(std::int64_t{product.weight_ends.back()} + 1));
+}
 
 CodeKey required_key(std::string_view code, int rule)
 {
@@ -43,6 +66,7 @@ RuleIndex::RuleIndex(std::span<const rules::RuleRow> table, std::span<const rule
         }
         for (const auto& repeat : repeated_rows)
             if (repeat.dimension == Dimension::Service && repeat.id == row.id) rule.services.emplace_back(repeat.code);
+        for (const auto& code : rule.services) rule.service_keys.push_back(key_or_long(code));
         rules_.push_back(std::move(rule));
         if (row.in_rule_list()) weight_rows_.push_back({row.id, row.min, row.max, std::string(row.product)});
     }
@@ -63,6 +87,7 @@ RuleIndex::RuleIndex(std::span<const rules::RuleRow> table, std::span<const rule
         product.sets = products_.size() * code_ids.size();
         const auto code = table[rows.front()].product;
         product.walks_weight_rows = code == "C38" || code == "C39";
+        product.service_family = service_family_of(code);
         for (std::size_t bit = 0; bit < rows.size(); ++bit) {
             const RuleSet self = RuleSet{1} << bit;
             const auto& row = table[rows[bit]];
@@ -75,6 +100,7 @@ RuleIndex::RuleIndex(std::span<const rules::RuleRow> table, std::span<const rule
                     sets_[product.sets + code_ids.at(tagged(*code_key(c), static_cast<unsigned>(d)))] |= self;
                 });
         }
+        index_weights(product);
         ids.emplace_back(tagged(key, kProductKind), static_cast<std::uint32_t>(products_.size()));
         products_.push_back(std::move(product));
     }

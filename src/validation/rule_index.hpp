@@ -10,6 +10,7 @@
 
 #include "rules/build/rule_table.hpp"
 #include "validation/code_ids.hpp"
+#include "validation/service_family.hpp"
 
 namespace nimbara::validation {
 
@@ -26,6 +27,7 @@ struct IndexedRule {
     bool weight_row = false;         // false for a rule that has no weight row at all
     bool pre_treatment_row = false;  // a pre-treatment row of any value offers pre-treatment
     std::vector<std::string> services;  // one entry per service row, repeats included
+    std::vector<CodeKey> service_keys;  // each service's key, or kLongCode beside it
 };
 
 // A row of the weight document, for the walk that products C38 and C39 take.
@@ -40,9 +42,21 @@ class RuleIndex {
 public:
     struct Product {
         std::vector<const IndexedRule*> rules;  // the active rules, in rule-list order
+        // The weight pass as one lookup: the rules' range ends, sorted, cut the weights into
+        // stretches in which the same rules hold; weight_sets[n] is the stretch above n ends.
+        std::vector<std::int32_t> weight_ends;
+        std::vector<RuleSet> weight_sets;
+
+        RuleSet holding_weight(std::int32_t weight) const
+        {
+            std::size_t below = 0;
+            for (const std::int32_t end : weight_ends) below += end < weight;  // short, and free of branches
+            return weight_sets[below];
+        }
         RuleSet all = 0;
         RuleSet pre_treatment = 0;              // the rules with a pre-treatment row
         bool walks_weight_rows = false;         // C38 and C39 judge the weight over the whole weight document
+        ServiceFamily service_family = ServiceFamily::None;
         std::size_t sets = 0;                   // where the product's accepting sets begin
     };
 

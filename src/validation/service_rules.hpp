@@ -7,14 +7,17 @@
 
 #include "nimbara/error_array.hpp"
 #include "validation/rule_index.hpp"
+#include "validation/service_family.hpp"
 
 namespace nimbara::validation {
 
 // The line's services as split from its comma-joined text; no list at all is std::nullopt.
 using Services = std::optional<std::span<const std::string_view>>;
 
-// Whether DoValServEsp would answer nothing, without making the list.
-bool admits_all_services(const IndexedRule& rule, std::span<const std::string_view> services);
+// Whether DoValServEsp would answer nothing, without making the list; `keys` are the services'
+// keys (key_or_long), made once per line.
+bool admits_all_services(const IndexedRule& rule, std::span<const std::string_view> services,
+                         std::span<const CodeKey> keys);
 
 // The services the rule does not admit, each rule row striking one occurrence; nothing when all pass.
 std::optional<ListArray> DoValServEsp(const IndexedRule& rule, std::span<const std::string_view> services);
@@ -25,5 +28,7 @@ struct ProductServiceVerdict {
 };
 
 ProductServiceVerdict DoValServEspByProduto(std::string_view product, std::string_view zone, Services services);
+// The same for a product whose family is settled.
+ProductServiceVerdict DoValServEspByProduto(ServiceFamily family, std::string_view zone, Services services);
 
 }  // namespace nimbara::validation

@@ -69,12 +69,15 @@ TEST(TextConversions, Int16AsAStringConvertsInArithmetic)
 
 TEST(TextConversions, Int32IsStrict)
 {
-    EXPECT_EQ(nimbara::text::parse_int32("2147483647"), 2147483647);
-    EXPECT_EQ(nimbara::text::parse_int32("-5"), -5);
-    EXPECT_EQ(nimbara::text::parse_int32("2147483648"), std::nullopt);
-    EXPECT_EQ(nimbara::text::parse_int32("12.0"), std::nullopt);
-    EXPECT_EQ(nimbara::text::parse_int32(" 12"), std::nullopt);
-    EXPECT_EQ(nimbara::text::parse_int32(""), std::nullopt);
+    // Short plain digits are read on the spot, the rest by the general conversion: both must agree.
+    struct Case { std::string_view text; std::optional<std::int32_t> expected; };
+    const Case cases[] = {
+        {"0", 0}, {"50", 50}, {"+7", 7}, {"007", 7}, {"999999999", 999999999}, {"2147483647", 2147483647},
+        {"-5", -5}, {"-2147483648", -2147483648}, {"2147483648", std::nullopt}, {"12.0", std::nullopt},
+        {" 12", std::nullopt}, {"12 ", std::nullopt}, {"1x", std::nullopt}, {"x1", std::nullopt},
+        {"", std::nullopt}, {"+", std::nullopt}, {"-", std::nullopt}, {"\xff\xff", std::nullopt},
+    };
+    for (const auto& c : cases) EXPECT_EQ(nimbara::text::parse_int32(c.text), c.expected) << '"' << c.text << '"';
 }
 
 TEST(TextConversions, UpperCaseCoversAccentedLetters)

@@ -138,10 +138,13 @@ TEST(RuleCatalogue, DrivesTheFacadeItIsHanded)
     nimbara::cls_ValProdutosA guia(RuleCatalogue::from_rows(rows));
     guia.setReportFolder(folder.path());
     guia.setPrintingEnabled(false);
-    ASSERT_EQ(guia.PreencheCabecalho({.cb_N_Req = "7", .cb_CodCliente = "456", .cb_NDoc = "2026/7"}), 0);
-    ASSERT_EQ(guia.PreencheProduto({.A_Zona_Taxacao = "01", .B_Produto = "C01", .N_Linha = "1", .Escalao = "50",
-                                    .Formato = "02", .PreTratamento = "1"}),
-              std::nullopt);
+    nimbara::GuiaCabecalho head;
+    head.cb_N_Req = "7", head.cb_CodCliente = "456", head.cb_NDoc = "2026/7";
+    ASSERT_EQ(guia.PreencheCabecalho(head), 0);
+    nimbara::GuiaProduto line;
+    line.A_Zona_Taxacao = "01", line.B_Produto = "C01", line.N_Linha = "1", line.Escalao = "50", line.Formato = "02",
+    line.PreTratamento = "1";
+    ASSERT_EQ(guia.PreencheProduto(line), std::nullopt);
     const auto outcome = guia.ImprimeGuiaOutcome(false);
     ASSERT_TRUE(outcome.report);
     ASSERT_EQ(outcome.line_errors.size(), 1u);

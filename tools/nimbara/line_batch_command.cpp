@@ -7,13 +7,17 @@
 #include <iostream>
 #include <vector>
 
+#include "stdin_buffer.hpp"
+
 namespace nimbara::cli {
 
 int run_line_batch(const std::string& command, const std::string& file, const BatchJudge* judge)
 {
     std::vector<char> buffer(1 << 16);  // large reads from a file; declared first, as it outlives the stream
     std::ifstream stream;
-    std::istream* in = &std::cin;
+    StdinBuffer stdin_buffer;
+    std::istream standard_input(&stdin_buffer);
+    std::istream* in = &standard_input;
     std::string source = "<stdin>";
     if (!file.empty() && file != "-") {
         stream.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
@@ -27,7 +31,6 @@ int run_line_batch(const std::string& command, const std::string& file, const Ba
         source = file;
     }
     std::ios::sync_with_stdio(false);
-    std::cin.tie(nullptr);  // a flush of the answers for every line read would cost more than the check
     const BatchSummary summary = judge ? check_line_batch(*in, std::cout, std::cerr, source, *judge)
                                        : check_line_batch(*in, std::cout, std::cerr, source);
     std::cout.flush();
