@@ -21,7 +21,8 @@ install(FILES ${CMAKE_BINARY_DIR}/nimbaraConfig.cmake ${CMAKE_BINARY_DIR}/nimbar
   DESTINATION ${NIMBARA_CMAKE_DIR})
 
 # pkg-config: the shared library by default, the static one's third-party libraries with --static.
-set(NIMBARA_PC_REQUIRES_PRIVATE "pangocairo cairo cairo-pdf cairo-png fontconfig libmdb sqlite3 libpq")
-set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS}")
+set(NIMBARA_PC_REQUIRES_PRIVATE "sqlite3")
+# A static host finds the modules through its own RUNPATH.
+set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS} -Wl,-rpath,\${libdir}/nimbara")
 configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "nimbara/Database.hpp"
+#include "platform/module_loader.hpp"
 #include "platform/postgres_database.hpp"
 #include "platform/sqlite_database.hpp"
 
@@ -41,6 +42,21 @@ std::optional<std::string_view> data_source(std::string_view conn)
 }
 
 }  // namespace
+
+namespace platform {
+
+std::shared_ptr<Database> open_postgres(const std::string& conninfo)
+{
+    decltype(nimbara_postgres_open)* open = nullptr;
+    try {
+        open = loaded_module("postgresql").entry<decltype(nimbara_postgres_open)>("nimbara_postgres_open");
+    } catch (const ModuleError& e) {
+        throw DatabaseError(e.what());
+    }
+    return std::shared_ptr<Database>(open(conninfo));
+}
+
+}  // namespace platform
 
 std::optional<std::string> SqliteFileOf(std::string_view conn_text)
 {

@@ -2,8 +2,10 @@
 // A page as the surface records it: the drawing calls in twips, in order, kept so that the same page
 // can be written to a PDF and rendered for previews.
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -88,6 +90,18 @@ inline Hatch hatch_of(int style)
 {
     return {style == 2 || style == 6, style == 3 || style == 6, style == 4 || style == 7, style == 5 || style == 7};
 }
+
+// A document written page by page: a PDF with the standard faces, or one by cairo with embedded faces.
+class PageWriter {
+public:
+    // Receives the document's bytes in order.
+    using Output = std::function<void(std::string_view)>;
+    virtual ~PageWriter() = default;
+
+    virtual void add_page(const Page& page) = 0;
+    // Completes the document; throws with the reason when it could not be made.
+    virtual void finish() = 0;
+};
 
 // The outline of a circle's part as the printer draws it: an arc from -|start| to -|end| radians,
 // the way of falling angles, a whole ellipse when they are equal; a negative angle also draws its

@@ -1,10 +1,9 @@
 #include "nimbara/PdfSurface.hpp"
 #include "foundation/pending_file.hpp"
 #include "platform/cairo_pages.hpp"
+#include "platform/module_loader.hpp"
 #include "platform/page_ops.hpp"
 #include "platform/pdf_writer.hpp"
-
-#include <cairo.h>
 
 #include <cerrno>
 #include <cmath>
@@ -13,17 +12,9 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <variant>
 
 namespace nimbara {
 namespace {
-
-struct CairoDeleter {
-    void operator()(cairo_t* c) const { cairo_destroy(c); }
-    void operator()(cairo_surface_t* s) const { cairo_surface_destroy(s); }
-};
-using CairoHandle = std::unique_ptr<cairo_t, CairoDeleter>;
-using SurfaceHandle = std::unique_ptr<cairo_surface_t, CairoDeleter>;
 
 struct FileCloser {
     void operator()(std::FILE* f) const { std::fclose(f); }
@@ -52,8 +43,12 @@ std::filesystem::path part_name(const std::filesystem::path& target)
     return temp;
 }
 
-// The document a job is written into, by the faces it carries.
-using Writer = std::variant<std::unique_ptr<StandardPdfWriter>, std::unique_ptr<CairoPdfWriter>>;
+// Drawing with cairo, from its module: loaded by the first preview or document with embedded faces.
+std::unique_ptr<CairoPages> load_cairo_pages()
+{
+    const auto make = platform::loaded_module("cairo").entry<decltype(nimbara_cairo_pages)>("nimbara_cairo_pages");
+    return std::unique_ptr<CairoPages>(make());
+}
 
 }  // namespace
 
@@ -75,15 +70,15 @@ struct PdfSurface::Impl {
 
     // Host rasters, kept while their pixels stay the same, so that a document embeds each once.
     std::vector<std::shared_ptr<const Picture>> rasters;
-    // Text layouts and rasters for previews and for documents with embedded faces; made on first use.
-    std::unique_ptr<CairoPainter> painter;
+    // Text layouts and rasters for previews and for measuring embedded faces; made on first use.
+    std::unique_ptr<CairoPages> painter;
 
     // The document in progress: one job's, or a batch's.
     int jobs_done = 0;
     bool in_job = false;
     bool batch = false;
     int document_pages = 0;  // pages written into the document in progress
-    std::optional<Writer> writer;
+    std::unique_ptr<PageWriter> writer;  // by the faces the document carries
     Faces writer_faces = Faces::Standard;
     std::optional<PendingFile> file;
     std::string bytes;        // the document, for a sink
@@ -96,9 +91,9 @@ struct PdfSurface::Impl {
     // A writer may still write as it goes, so it goes before the file it writes to.
     ~Impl() { writer.reset(); }
 
-    CairoPainter& cairo()
+    CairoPages& cairo()
     {
-        if (!painter) painter = std::make_unique<CairoPainter>();
+        if (!painter) painter = load_cairo_pages();
         return *painter;
     }
 
@@ -128,9 +123,9 @@ struct PdfSurface::Impl {
         const auto output = [this](std::string_view chunk) { write_out(chunk); };
         try {
             if (faces == Faces::Standard)
-                writer.emplace(std::make_unique<StandardPdfWriter>(output));
+                writer = std::make_unique<StandardPdfWriter>(output);
             else
-                writer.emplace(std::make_unique<CairoPdfWriter>(output));
+                writer = cairo().pdf_writer(output);
         } catch (...) {
             file.reset();
             throw;
@@ -178,7 +173,7 @@ struct PdfSurface::Impl {
     void finish_page()
     {
         ++document_pages;
-        std::visit([&](auto& w) { w->add_page(pages.back()); }, *writer);
+        writer->add_page(pages.back());
         page_open = false;
     }
 
@@ -188,7 +183,7 @@ struct PdfSurface::Impl {
     void close_document()
     {
         try {
-            std::visit([](auto& w) { w->finish(); }, *writer);
+            writer->finish();
         } catch (const std::exception& e) {
             writer.reset();
             file.reset();
@@ -417,53 +412,33 @@ const std::vector<std::filesystem::path>& PdfSurface::written() const { return i
 
 namespace {
 
-SurfaceHandle render_surface(CairoPainter& painter, const std::vector<Page>& pages, int number, double dpi)
+const Page& page_to_render(const std::vector<Page>& pages, int number, double dpi)
 {
     if (number < 1 || number > static_cast<int>(pages.size()))
         throw std::out_of_range("page " + std::to_string(number) + " is not one of the " + std::to_string(pages.size()) + " pages");
     if (!(dpi >= 10 && dpi <= 2400)) throw std::invalid_argument("resolution " + std::to_string(dpi) + " is not 10 to 2400 dpi");
-    const Page& page = pages[static_cast<std::size_t>(number) - 1];
-    const double scale = dpi / kTwipsPerInch;
-    const int w = static_cast<int>(std::lround(page.width * scale)), h = static_cast<int>(std::lround(page.height * scale));
-    SurfaceHandle s(cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h));
-    if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS)
-        throw std::runtime_error("cannot make an image of " + std::to_string(w) + " x " + std::to_string(h) + " pixels");
-    CairoHandle cr(cairo_create(s.get()));
-    cairo_set_source_rgb(cr.get(), 1, 1, 1);
-    cairo_paint(cr.get());
-    cairo_scale(cr.get(), scale, scale);
-    painter.paint(cr.get(), page, 1 / scale);
-    cairo_surface_flush(s.get());
-    return s;
+    return pages[static_cast<std::size_t>(number) - 1];
 }
 
 }  // namespace
 
 RasterImage PdfSurface::render(int page, double dpi) const
 {
-    const auto s = render_surface(impl_->cairo(), impl_->pages, page, dpi);
-    RasterImage out{cairo_image_surface_get_width(s.get()), cairo_image_surface_get_height(s.get()), {}};
-    out.rgb.resize(static_cast<std::size_t>(out.width) * out.height);
-    const auto* base = cairo_image_surface_get_data(s.get());
-    const int stride = cairo_image_surface_get_stride(s.get());
-    for (int y = 0; y < out.height; ++y) {
-        const auto* row = reinterpret_cast<const std::uint32_t*>(base + static_cast<std::ptrdiff_t>(y) * stride);
-        for (int x = 0; x < out.width; ++x) out.rgb[static_cast<std::size_t>(y) * out.width + x] = row[x] & 0xFFFFFF;
-    }
-    return out;
+    const Page& drawn = page_to_render(impl_->pages, page, dpi);
+    return impl_->cairo().render(drawn, dpi);
 }
 
 void PdfSurface::render_png(int page, double dpi, const std::filesystem::path& png) const
 {
-    const auto s = render_surface(impl_->cairo(), impl_->pages, page, dpi);
+    const Page& drawn = page_to_render(impl_->pages, page, dpi);
     // Encoded in memory first, so that a write that fails is told by its own cause, not cairo's.
+    CairoPages& cairo = impl_->cairo();
     std::string bytes;
-    const auto append = [](void* closure, const unsigned char* data, unsigned int length) {
-        static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-        return CAIRO_STATUS_SUCCESS;
-    };
-    if (const auto status = cairo_surface_write_to_png_stream(s.get(), append, &bytes); status != CAIRO_STATUS_SUCCESS)
-        throw std::runtime_error("cannot encode \"" + png.string() + "\": " + cairo_status_to_string(status));
+    try {
+        bytes = cairo.png(drawn, dpi);
+    } catch (const std::runtime_error& e) {
+        throw std::runtime_error("cannot encode \"" + png.string() + "\": " + e.what());
+    }
     const auto temp = part_name(png);
     const auto fail = [&](int cause) {
         std::error_code ignored;

@@ -3,7 +3,6 @@
 // has, so that no font is embedded. The form's pictures are written once per document and shown on
 // every page that has them; nothing but the page in hand is kept in memory.
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,15 +13,14 @@
 
 namespace nimbara {
 
-class StandardPdfWriter {
+class StandardPdfWriter final : public PageWriter {
 public:
-    // Receives the document's bytes in order; the header comes at once.
-    using Output = std::function<void(std::string_view)>;
+    // The header goes to `out` at once.
     explicit StandardPdfWriter(Output out);
 
-    void add_page(const Page& page);
+    void add_page(const Page& page) override;
     // Writes what ties the pages together; the document is whole after it.
-    void finish();
+    void finish() override;
 
 private:
     int reserve() { return next_id_++; }

@@ -2,8 +2,6 @@
 // The drawing of a picture as a short list of filled or stroked paths and texts in natural pixels:
 // made once, written into every PDF as vectors, and rasterised by cairo for previews at whatever
 // resolution they ask for.
-#include <cairo.h>
-
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -58,11 +56,5 @@ struct PictureArt {
     std::uint32_t ground = 0xFFFFFF;
     std::vector<ArtItem> items;
 };
-
-// Appends the path to cairo's current path.
-void trace_path(cairo_t* cr, const ArtPath& path);
-
-// Draws the picture with its top-left at the origin of `cr`, one unit a natural pixel.
-void draw_art(cairo_t* cr, const PictureArt& art);
 
 }  // namespace nimbara

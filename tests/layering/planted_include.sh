@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The layering check passes on the tree as it is and fails once a foundation file includes a document
-# header, and once the program includes a private header.
+# header, once the program includes a private header, and once the library includes cairo outside the modules.
 set -euo pipefail
 src=$1
 work=$(mktemp -d)
@@ -17,4 +17,8 @@ cp "$src/src/foundation/text.cpp" "$work/src/foundation/text.cpp"
 echo '#include "foundation/text.hpp"' >>"$work/tools/nimbara/main.cpp"
 if "$work/scripts/check-layering" "$work" 2>"$work/err"; then echo "a private include in the program passed" >&2; exit 1; fi
 grep -q 'only public headers' "$work/err"
+cp "$src/tools/nimbara/main.cpp" "$work/tools/nimbara/main.cpp"
+echo '#include <cairo.h>' >>"$work/src/platform/pdf_surface.cpp"
+if "$work/scripts/check-layering" "$work" 2>"$work/err"; then echo "cairo outside the modules passed" >&2; exit 1; fi
+grep -q 'src/platform/pdf_surface.cpp:.*only src/platform/modules' "$work/err"
 echo "layering check: planted includes refused"

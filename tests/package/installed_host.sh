@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the built package into a fresh prefix, builds a tiny host against it with CMake (shared and
-# static) and with pkg-config, runs each, and checks that the shared library exports only the public API.
+# static) and with pkg-config, runs each, and checks that the shared library exports only the public API,
+# that neither it nor the program links the libraries left to the modules, and that each module exports
+# only its factory.
 set -euo pipefail
 build=$1 source=$2
 work=$(mktemp -d)
@@ -36,12 +38,26 @@ if nm -DC --defined-only "$lib" | grep -qE 'PageDriver|PagePlan|twips[XY]|printA
   echo "the page's helpers are exported" >&2; exit 1
 fi
 
+# The heavy libraries are the modules' alone; the hosts below draw a preview through the cairo module.
+for binary in "$lib" "$prefix/bin/nimbara"; do
+  heavy=$(objdump -p "$binary" | awk '/NEEDED/ {print $2}' | grep -E 'libpq|cairo|pango|fontconfig|libmdb|glib' || true)
+  [[ -z $heavy ]] || { echo "$binary links libraries left to the modules:" >&2; echo "$heavy" >&2; exit 1; }
+done
+for name in cairo postgresql jet; do
+  module=$(dirname "$lib")/nimbara/libnimbara-$name.so.5.3.15
+  [[ -f $module ]] || { echo "the module $name is not installed" >&2; exit 1; }
+  exported=$(nm -D --defined-only "$module" | awk '$2 ~ /^[TWBDVRiu]$/ {print $3}')
+  [[ $exported == nimbara_* && $(wc -l <<<"$exported") -eq 1 ]] || { echo "$module exports: $exported" >&2; exit 1; }
+done
+(cd "$work" && "$prefix/bin/nimbara" form --out form.pdf --png form.png >/dev/null && [[ -s form.png ]]) ||
+  { echo "the installed program cannot draw a preview" >&2; exit 1; }
+
 cmake -S "$source/tests/package/host" -B "$work/host" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/host" >/dev/null
-LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/host/host" | grep -qx '5.3.15 0'
-"$work/host/host_static" | grep -qx '5.3.15 0'
+LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/host/host" | grep -qx '5.3.15 0 [1-9][0-9]*'
+"$work/host/host_static" | grep -qx '5.3.15 0 [1-9][0-9]*'
 
 export PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name nimbara.pc)")
 c++ -o "$work/pc_host" "$source/tests/package/host/main.cpp" $(pkg-config --cflags --libs nimbara)
-LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/pc_host" | grep -qx '5.3.15 0'
-echo "installed package: found by CMake and pkg-config, hosts run, only the public API exported"
+LD_LIBRARY_PATH=$prefix/lib:$prefix/lib64 "$work/pc_host" | grep -qx '5.3.15 0 [1-9][0-9]*'
+echo "installed package: found by CMake and pkg-config, hosts run and load modules, only the public API exported"

@@ -354,9 +354,7 @@ private:
 
 void ignore_notice(void*, const char*) {}
 
-}  // namespace
-
-std::shared_ptr<Database> open_postgres(const std::string& conninfo)
+Database* connect(const std::string& conninfo)
 {
     std::unique_ptr<PGconn, Finish> conn(PQconnectdb(conninfo.c_str()));
     if (!conn) throw DatabaseError("cannot reach the PostgreSQL server: out of memory");
@@ -366,7 +364,10 @@ std::shared_ptr<Database> open_postgres(const std::string& conninfo)
     PQsetNoticeProcessor(conn.get(), ignore_notice, nullptr);
     if (PQsetClientEncoding(conn.get(), "UTF8") != 0)
         throw DatabaseError("the PostgreSQL server does not speak UTF-8: " + std::string(PQerrorMessage(conn.get())));
-    return std::make_shared<PostgresDatabase>(conn.release());
+    return new PostgresDatabase(conn.release());
 }
 
+}  // namespace
 }  // namespace nimbara::platform
+
+nimbara::Database* nimbara_postgres_open(const std::string& conninfo) { return nimbara::platform::connect(conninfo); }

@@ -276,10 +276,9 @@ private:
 };
 
 }  // namespace
-
-std::unique_ptr<OldDatabase> open_jet_database(const std::filesystem::path& file)
-{
-    return std::make_unique<JetDatabase>(file);
-}
-
 }  // namespace nimbara::platform
+
+nimbara::platform::OldDatabase* nimbara_jet_open(const std::filesystem::path& file)
+{
+    return new nimbara::platform::JetDatabase(file);
+}

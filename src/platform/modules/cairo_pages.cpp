@@ -4,8 +4,14 @@
 #include <pango/pangocairo.h>
 
 #include <cmath>
+#include <cstdint>
+#include <map>
 #include <stdexcept>
+#include <string_view>
+#include <unordered_map>
 #include <variant>
+
+#include "platform/modules/cairo_art.hpp"
 
 namespace nimbara {
 namespace {
@@ -83,7 +89,43 @@ std::shared_ptr<cairo_surface_t> make_image(const Picture& p)
     return s;
 }
 
-}  // namespace
+// What drawing pages with cairo keeps between them: the text layouts and the pictures' rasters.
+class CairoPainter {
+public:
+    CairoPainter();
+    CairoPainter(const CairoPainter&) = delete;
+    CairoPainter& operator=(const CairoPainter&) = delete;
+
+    // Draws the page in twips onto `cr`, a device line being `line` twips wide.
+    void paint(cairo_t* cr, const Page& page, double line);
+    // The advance of the text in the font the system resolves its name to, in twips.
+    double text_width(const TextOp& text);
+
+private:
+    std::shared_ptr<PangoLayout> layout(const TextOp& t);
+    std::shared_ptr<cairo_surface_t> raster(const std::shared_ptr<const Picture>& p);
+
+    std::shared_ptr<PangoContext> pango_;
+    std::unordered_map<std::string, std::shared_ptr<PangoLayout>> layouts_;
+    std::map<std::shared_ptr<const Picture>, std::shared_ptr<cairo_surface_t>> rasters_;
+};
+
+// A PDF of whole pages written by cairo: each font used is embedded as a subset.
+class CairoPdfWriter final : public PageWriter {
+public:
+    explicit CairoPdfWriter(Output out);
+
+    void add_page(const Page& page) override;
+    void finish() override;
+
+private:
+    static cairo_status_t append(void* closure, const unsigned char* data, unsigned int length);
+
+    CairoPainter painter_;
+    Output out_;
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> pdf_;
+};
+
 
 CairoPainter::CairoPainter()
     : pango_(pango_font_map_create_context(pango_cairo_font_map_get_default()), g_object_unref)
@@ -95,8 +137,6 @@ CairoPainter::CairoPainter()
     pango_cairo_context_set_font_options(pango_.get(), options);
     cairo_font_options_destroy(options);
 }
-
-CairoPainter::~CairoPainter() = default;
 
 std::shared_ptr<PangoLayout> CairoPainter::layout(const TextOp& t)
 {
@@ -194,8 +234,6 @@ CairoPdfWriter::CairoPdfWriter(Output out) : out_(std::move(out)), pdf_(nullptr,
     cairo_pdf_surface_set_metadata(pdf_.get(), CAIRO_PDF_METADATA_CREATOR, "Guia Nimbara");
 }
 
-CairoPdfWriter::~CairoPdfWriter() = default;
-
 cairo_status_t CairoPdfWriter::append(void* closure, const unsigned char* data, unsigned int length)
 {
     static_cast<CairoPdfWriter*>(closure)->out_(std::string_view(reinterpret_cast<const char*>(data), length));
@@ -218,4 +256,67 @@ void CairoPdfWriter::finish()
         throw std::runtime_error(cairo_status_to_string(status));
 }
 
+
+// The page drawn on an image of its size at `dpi`, on white.
+std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> draw_image(CairoPainter& painter, const Page& page,
+                                                                              double dpi)
+{
+    const double scale = dpi / kTwipsPerInch;
+    const int w = static_cast<int>(std::lround(page.width * scale)), h = static_cast<int>(std::lround(page.height * scale));
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> s(cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h),
+                                                                          cairo_surface_destroy);
+    if (cairo_surface_status(s.get()) != CAIRO_STATUS_SUCCESS)
+        throw std::runtime_error("cannot make an image of " + std::to_string(w) + " x " + std::to_string(h) + " pixels");
+    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cr(cairo_create(s.get()), cairo_destroy);
+    cairo_set_source_rgb(cr.get(), 1, 1, 1);
+    cairo_paint(cr.get());
+    cairo_scale(cr.get(), scale, scale);
+    painter.paint(cr.get(), page, 1 / scale);
+    cairo_surface_flush(s.get());
+    return s;
+}
+
+class PagesByCairo final : public CairoPages {
+public:
+    double text_width(const TextOp& text) override { return painter_.text_width(text); }
+
+    std::unique_ptr<PageWriter> pdf_writer(PageWriter::Output out) override
+    {
+        return std::make_unique<CairoPdfWriter>(std::move(out));
+    }
+
+    RasterImage render(const Page& page, double dpi) override
+    {
+        const auto s = draw_image(painter_, page, dpi);
+        RasterImage out{cairo_image_surface_get_width(s.get()), cairo_image_surface_get_height(s.get()), {}};
+        out.rgb.resize(static_cast<std::size_t>(out.width) * out.height);
+        const auto* base = cairo_image_surface_get_data(s.get());
+        const int stride = cairo_image_surface_get_stride(s.get());
+        for (int y = 0; y < out.height; ++y) {
+            const auto* row = reinterpret_cast<const std::uint32_t*>(base + static_cast<std::ptrdiff_t>(y) * stride);
+            for (int x = 0; x < out.width; ++x) out.rgb[static_cast<std::size_t>(y) * out.width + x] = row[x] & 0xFFFFFF;
+        }
+        return out;
+    }
+
+    std::string png(const Page& page, double dpi) override
+    {
+        const auto s = draw_image(painter_, page, dpi);
+        std::string bytes;
+        const auto append = [](void* closure, const unsigned char* data, unsigned int length) {
+            static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+            return CAIRO_STATUS_SUCCESS;
+        };
+        if (const auto status = cairo_surface_write_to_png_stream(s.get(), append, &bytes); status != CAIRO_STATUS_SUCCESS)
+            throw std::runtime_error(cairo_status_to_string(status));
+        return bytes;
+    }
+
+private:
+    CairoPainter painter_;
+};
+
+}  // namespace
 }  // namespace nimbara
+
+nimbara::CairoPages* nimbara_cairo_pages() { return new nimbara::PagesByCairo(); }
