@@ -9,9 +9,6 @@
 // The processor time is reported beside the wall time, as the machine's load moves the one and not
 // the other.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,40 +19,18 @@
 #include <string>
 #include <vector>
 
+#include "program_run.hpp"
+
 namespace {
 
 constexpr double kTodayWallMs = 35.4;
 constexpr double kTodayPeakMb = 17.8;
 
-struct Run {
-    double wall_ms;
-    double cpu_ms;
-    double peak_mb;
-};
+using nimbara::bench::ProgramRun;
 
-double ms(const timeval& t) { return t.tv_sec * 1e3 + t.tv_usec / 1e3; }
-
-// One `PROGRAM print GUIA` in `folder`, its output thrown away; throws when it fails. Started with
-// fork rather than posix_spawn: a spawned child shares this process's memory until it execs, and the
-// kernel then counts this process's peak as the child's.
-Run print_once(const std::string& program, const std::string& guia, const std::filesystem::path& folder)
+ProgramRun print_once(const std::string& program, const std::string& guia, const std::filesystem::path& folder)
 {
-    const auto start = std::chrono::steady_clock::now();
-    const pid_t pid = ::fork();
-    if (pid < 0) throw std::runtime_error("cannot start \"" + program + "\"");
-    if (pid == 0) {
-        const int null = ::open("/dev/null", O_WRONLY);
-        if (null < 0 || ::chdir(folder.c_str()) != 0) ::_exit(127);
-        ::dup2(null, STDOUT_FILENO), ::dup2(null, STDERR_FILENO);
-        ::execl(program.c_str(), program.c_str(), "print", guia.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-    int status = 0;
-    rusage usage{};
-    ::wait4(pid, &status, 0, &usage);
-    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - start;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) throw std::runtime_error("\"" + program + " print\" failed");
-    return {wall.count(), ms(usage.ru_utime) + ms(usage.ru_stime), usage.ru_maxrss / 1024.0};
+    return nimbara::bench::run_program({program, "print", guia}, folder);
 }
 
 double median(std::vector<double> values)
@@ -78,13 +53,13 @@ void BM_ColdPrint(benchmark::State& state)
     std::vector<double> walls, cpus, peaks, today_walls, today_peaks;
     try {
         for (auto _ : state) {
-            const Run run = print_once(program, guia, folder);
+            const ProgramRun run = print_once(program, guia, folder);
             state.SetIterationTime(run.wall_ms / 1000);
             walls.push_back(run.wall_ms), cpus.push_back(run.cpu_ms), peaks.push_back(run.peak_mb);
             state.PauseTiming();
             empty(folder);
             if (today_program) {
-                const Run today = print_once(today_program, guia, folder);
+                const ProgramRun today = print_once(today_program, guia, folder);
                 today_walls.push_back(today.wall_ms), today_peaks.push_back(today.peak_mb);
                 empty(folder);
             }
