@@ -2,9 +2,11 @@
 
 #include <dlfcn.h>
 
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "nimbara/version.hpp"
 
@@ -17,12 +19,41 @@ std::string loader_reason()
     return why ? why : "no reason given";
 }
 
+// The folders the dynamic loader searches for the object holding this code (its RUNPATH expanded,
+// among others). dlopen searches them for its caller, but a tool that wraps dlopen (a sanitizer's
+// runtime, a preloaded library) becomes the caller, with folders of its own.
+std::vector<std::string> own_search_folders()
+{
+    Dl_info info{};
+    if (::dladdr(reinterpret_cast<void*>(&own_search_folders), &info) == 0) return {};
+    void* self = ::dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
+    if (!self) self = ::dlopen(nullptr, RTLD_LAZY);  // linked into the program itself
+    std::vector<std::string> folders;
+    Dl_serinfo size{};
+    if (self && ::dlinfo(self, RTLD_DI_SERINFOSIZE, &size) == 0) {
+        std::vector<std::max_align_t> storage(size.dls_size / sizeof(std::max_align_t) + 1);
+        auto* paths = reinterpret_cast<Dl_serinfo*>(storage.data());
+        *paths = size;
+        if (::dlinfo(self, RTLD_DI_SERINFO, paths) == 0)
+            for (unsigned i = 0; i < paths->dls_cnt; ++i) folders.emplace_back(paths->dls_serpath[i].dls_name);
+    }
+    if (self) ::dlclose(self);
+    return folders;
+}
+
+void* open_module(const std::string& file)
+{
+    if (void* handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return handle;
+    const std::string reason = loader_reason();
+    if (file.find('/') == std::string::npos)
+        for (const auto& folder : own_search_folders())
+            if (void* handle = ::dlopen((folder + "/" + file).c_str(), RTLD_NOW | RTLD_LOCAL)) return handle;
+    throw ModuleError("cannot load the module \"" + file + "\": " + reason);
+}
+
 }  // namespace
 
-Module::Module(std::string file) : file_(std::move(file)), handle_(::dlopen(file_.c_str(), RTLD_NOW | RTLD_LOCAL))
-{
-    if (!handle_) throw ModuleError("cannot load the module \"" + file_ + "\": " + loader_reason());
-}
+Module::Module(std::string file) : file_(std::move(file)), handle_(open_module(file_)) {}
 
 Module::~Module() { ::dlclose(handle_); }
 
