@@ -3,7 +3,7 @@
 
 #include <fstream>
 
-#include "cli/cli_run.hpp"
+#include "cli/db_program.hpp"
 #include "support/temp_folder.hpp"
 #include "support/test_database.hpp"
 
@@ -11,24 +11,12 @@ using nimbara::testing::example;
 using nimbara::testing::kBothStores;
 using nimbara::testing::run;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
 using nlohmann::json;
 
 namespace {
 
-class DbCheckCommandsTest : public StoreTest {
+class DbCheckCommandsTest : public nimbara::testing::DbProgramTest {
 protected:
-    void SetUp() override
-    {
-        StoreTest::SetUp();
-        if (IsSkipped() || HasFailure()) return;
-        db.reset();
-        ASSERT_EQ(program("init").status, 0);
-    }
-    nimbara::testing::Run program(const std::string& args, const std::string& input = "")
-    {
-        return run("db " + args + " --db '" + scratch->conn() + "'", input);
-    }
     nimbara::testing::TempFolder folder{"db-check-" + std::to_string(static_cast<int>(GetParam()))};
 };
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "cli/cli_run.hpp"
+#include "cli/db_program.hpp"
 #include "support/temp_folder.hpp"
 #include "support/test_database.hpp"
 
@@ -14,11 +14,9 @@ using nimbara::testing::StoreTest;
 
 namespace {
 
-std::string quoted(const std::string& s) { return "'" + s + "'"; }
-
 class DbCommandsTest : public StoreTest {
 protected:
-    nimbara::testing::Run program(const std::string& args) { return run("db " + args + " --db " + quoted(scratch->conn())); }
+    nimbara::testing::Run program(const std::string& args) { return nimbara::testing::run_db(scratch->conn(), args); }
 };
 
 }  // namespace

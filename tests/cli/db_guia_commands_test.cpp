@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "cli/cli_run.hpp"
+#include "cli/db_program.hpp"
 #include "support/temp_folder.hpp"
 #include "support/test_database.hpp"
 
@@ -12,7 +12,6 @@ using nimbara::testing::example;
 using nimbara::testing::kBothStores;
 using nimbara::testing::run;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
 using nlohmann::json;
 
 namespace {
@@ -25,16 +24,8 @@ const char* kClient = R"({"vCod_Cliente": "456", "vNome": "Papelaria D'Horizonte
                 {"vCodContrato": "300042", "vDesignacao": "Correio", "vJppCredenciado": false,
                  "vCodCredencial": "77", "vValidacao": "", "vDescricao": "", "bActivo": true}]})";
 
-class DbGuiaCommandsTest : public StoreTest {
+class DbGuiaCommandsTest : public nimbara::testing::DbProgramTest {
 protected:
-    void SetUp() override
-    {
-        StoreTest::SetUp();
-        if (IsSkipped() || HasFailure()) return;
-        db.reset();
-        ASSERT_EQ(program("init").status, 0);
-    }
-    nimbara::testing::Run program(const std::string& args) { return run("db " + args + " --db '" + scratch->conn() + "'"); }
     // Each file gets a name of its own, so that a table of cases can be written before it runs.
     std::string write(const std::string& name, const std::string& content)
     {

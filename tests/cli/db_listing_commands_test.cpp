@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/cli_run.hpp"
+#include "cli/db_program.hpp"
 #include "support/guia_listing_rows.hpp"
 #include "support/test_database.hpp"
 
 using nimbara::testing::kBothStores;
-using nimbara::testing::run;
 using nimbara::testing::store_name;
 using nimbara::testing::SeededStoreTest;
 
@@ -19,7 +18,7 @@ protected:
         SeededStoreTest::SetUp();
         if (!IsSkipped() && !HasFailure()) nimbara::testing::store_listing_guias(db);
     }
-    nimbara::testing::Run program(const std::string& args) { return run("db " + args + " --db '" + scratch->conn() + "'"); }
+    nimbara::testing::Run program(const std::string& args) { return nimbara::testing::run_db(scratch->conn(), args); }
 };
 
 std::vector<std::string> split_lines(const std::string& text, const std::string& end = "\n")

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "cli/cli_run.hpp"
+#include "cli/db_program.hpp"
 #include "cli/pdf_pages.hpp"
 #include "support/temp_folder.hpp"
 #include "support/test_database.hpp"
@@ -14,9 +14,7 @@
 
 using nimbara::testing::example;
 using nimbara::testing::kBothStores;
-using nimbara::testing::run;
 using nimbara::testing::store_name;
-using nimbara::testing::StoreTest;
 namespace fs = std::filesystem;
 
 namespace {
@@ -27,14 +25,12 @@ const char* kClient = R"({"vCod_Cliente": "456", "vNome": "Papelaria Horizonte, 
   "contratos": [{"vCodContrato": "300042", "vDesignacao": "Correio", "vJppCredenciado": false,
                  "vCodCredencial": "77", "vValidacao": "", "vDescricao": "", "bActivo": true}]})";
 
-class DbPrintCommand : public StoreTest {
+class DbPrintCommand : public nimbara::testing::DbProgramTest {
 protected:
     void SetUp() override
     {
-        StoreTest::SetUp();
+        DbProgramTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
-        db.reset();
-        ASSERT_EQ(program("init").status, 0);
         std::ofstream(folder.path() / "client.json") << kClient;
         ASSERT_EQ(program("client save " + (folder.path() / "client.json").string()).status, 0);
         const auto saved = program("save " + example("valid-guia.json"));
@@ -43,7 +39,6 @@ protected:
                                  "vCod2DNLinhas=0 vCod2DErroLevel=2");
         ASSERT_EQ(set.status, 0) << set.err;
     }
-    nimbara::testing::Run program(const std::string& args) { return run("db " + args + " --db '" + scratch->conn() + "'"); }
     nimbara::testing::TempFolder folder{"db-print-" + std::to_string(static_cast<int>(GetParam()))};
 };
 INSTANTIATE_TEST_SUITE_P(Stores, DbPrintCommand, kBothStores, store_name);
