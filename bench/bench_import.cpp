@@ -127,7 +127,7 @@ void BM_ImportBig(benchmark::State& state)
             const auto counts = import::run_procedure(procedure, *source, *db, [&](int) {
                 heap_peak = std::max(heap_peak, ::mallinfo2().uordblks);
             });
-            for (auto n : counts) rows += n;
+            for (auto n : counts.counts) rows += n;
         }
         heap_peak = std::max(heap_peak, ::mallinfo2().uordblks);
     }

@@ -166,9 +166,10 @@ public:
     // Adds the stored lines (the collection is not emptied first: twice doubles them).
     void FillColLinha();
     void DoSaveCol();
-    // Copies the lines to Tbl_Temp_Val_Guia for the database validator, in one transaction.
+    // Copies the lines to Tbl_Temp_Val_Guia for the database validator, in one transaction. The
+    // table is the connection's own (a temporary one), so other stations never see these rows.
     void DoInsertValTemp();
-    // Empties Tbl_Temp_Val_Guia, for every Guia.
+    // Empties the connection's Tbl_Temp_Val_Guia, for every Guia it holds.
     void DoRemoveValTemp();
 
     const std::string& LastError() const { return last_error_; }

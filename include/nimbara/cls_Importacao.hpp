@@ -38,6 +38,9 @@ public:
     Recordset rsMaxReq;
     Recordset rsStrXml;
     std::shared_ptr<Database> myConn;
+    // Whether rows whose Guia, line, client or contract is missing from the old file are brought in
+    // all the same (and listed in LastOrphans) rather than the file refused before anything is written.
+    bool KeepOrphans = false;
     // Where EscreveStringXml writes; relative to the working directory.
     std::filesystem::path DomFile = "DomFile.txt";
 
@@ -74,6 +77,9 @@ public:
     bool Succeeded() const { return succeeded_; }
     const std::string& LastError() const { return last_error_; }
     const ImportCounts& LastCounts() const { return counts_; }
+    // The rows of a missing parent that the last import brought in under KeepOrphans, each with its
+    // table, key and the parent it lacks.
+    const std::vector<std::string>& LastOrphans() const { return orphans_; }
 
 private:
     bool DoCheck(const std::string& Caminho, const std::string& Ficheiro);
@@ -82,6 +88,7 @@ private:
     bool succeeded_ = false;
     std::string last_error_;
     ImportCounts counts_;
+    std::vector<std::string> orphans_;
 };
 
 // The procedure ImportaDados runs for `Versao`; nothing for a version it refuses.

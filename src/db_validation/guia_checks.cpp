@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "entities/working_table.hpp"
+
 namespace nimbara::db_validation {
 namespace {
 
@@ -95,6 +97,10 @@ constexpr Minimum kMinimums[] = {
 
 ValidationResult validate_table_guia(Database& db, std::int32_t n_req)
 {
+    // Outside a transaction the connection's own table is made if missing, so that a connection that
+    // copied nothing in reads an empty table; inside one (which may be read-only) the table this
+    // connection filled is there already.
+    if (!db.in_transaction()) entities::prepare_working_table(db);
     if (!DoValEdicaoPostal(db, n_req, "C03", 500)) return ErrorArray{-1, std::string("Erro Minimo de 500 Objectos")};
     for (const auto& m : kMinimums)
         if (!DoValDM(db, m.product, m.minimum)) return ErrorArray{m.number, std::string(m.text)};

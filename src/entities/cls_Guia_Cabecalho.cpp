@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "entities/connection.hpp"
+#include "entities/working_table.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
@@ -289,6 +290,7 @@ void cls_Guia_Cabecalho::DoInsertValTemp()
     entities::keep_failure(last_error_, [&] {
         Database& db = require(myConn);
         Transaction t(db);
+        entities::prepare_working_table(db);
         for (std::size_t i = 1; i <= mColLinha.Count(); ++i) {
             const cls_Guia_Linha& l = mColLinha.Item(i);
             if (l.vB_Produto == "0" || l.vToDelete) continue;  // untouched or withdrawn
@@ -305,8 +307,11 @@ void cls_Guia_Cabecalho::DoInsertValTemp()
 void cls_Guia_Cabecalho::DoRemoveValTemp()
 {
     entities::keep_failure(last_error_, [&] {
-        Transaction t(require(myConn));
-        require(myConn).execute("DELETE FROM Tbl_Temp_Val_Guia");
+        Database& db = require(myConn);
+        Transaction t(db);
+        // This connection's own table: every Guia in it, and no other station's.
+        entities::prepare_working_table(db);
+        db.execute("DELETE FROM Tbl_Temp_Val_Guia");
         t.commit();
     });
 }

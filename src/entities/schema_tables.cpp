@@ -186,6 +186,16 @@ std::vector<std::string> schema_statements(const Database& db)
     return statements;
 }
 
+std::string working_table_statement()
+{
+    // Temporary on both stores: each connection gets its own, emptied when it closes, and the
+    // unqualified name finds it before the shared table of the same name.
+    for (const auto& t : tables())
+        if (std::string_view(t.name) == "Tbl_Temp_Val_Guia")
+            return "CREATE TEMPORARY TABLE IF NOT EXISTS" + create_table(t, StoreKind::PostgreSQL).substr(12);
+    return {};
+}
+
 std::vector<std::string> statistics_statements()
 {
     std::vector<std::string> statements;

@@ -15,6 +15,10 @@ std::vector<std::string> schema_statements(const Database& db);
 // the covering index of the designations.
 std::vector<std::string> statistics_statements();
 
+// The statement that gives a connection its own working table of the database validator
+// (Tbl_Temp_Val_Guia), when it has none yet; the same on both stores.
+std::string working_table_statement();
+
 // The names of the tables the statements create; a database holding any of them has the schema.
 const std::vector<std::string>& schema_table_names();
 

@@ -79,15 +79,18 @@ bool cls_Importacao::DoImportDadosTo050314(const std::string& c, const std::stri
 bool cls_Importacao::run(std::string_view name, const std::string& Caminho, const std::string& Ficheiro)
 {
     counts_ = {};
+    orphans_.clear();
     last_error_.clear();
     // A missing file is said and counts as done: nothing was touched.
     succeeded_ = true;
     if (!DoCheck(Caminho, Ficheiro)) return true;
     try {
         const auto source = platform::open_old_database(source_path(Caminho, Ficheiro));
-        const auto rows = import::run_procedure(*import::find_procedure(name), *source, entities::require(myConn),
-                                                [](int value) { notifier().progress(value); });
+        auto result = import::run_procedure(*import::find_procedure(name), *source, entities::require(myConn),
+                                            [](int value) { notifier().progress(value); }, KeepOrphans);
+        const auto& rows = result.counts;
         counts_ = {rows[0], rows[1], rows[2], rows[3], rows[4]};
+        orphans_ = std::move(result.orphans);
         return true;
     } catch (const std::exception& e) {
         last_error_ = e.what();

@@ -1,10 +1,12 @@
 #include "import/procedure_run.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "import/column_values.hpp"
+#include "import/integrity.hpp"
 
 namespace nimbara::import {
 namespace {
@@ -192,10 +194,20 @@ void delete_data(Database& target)
     for (const char* table : kDataTables) target.execute("DELETE FROM " + std::string(table));
 }
 
-TableCounts run_procedure(const Procedure& procedure, const platform::OldDatabase& source, Database& target,
-                          const std::function<void(int)>& progress)
+RunResult run_procedure(const Procedure& procedure, const platform::OldDatabase& source, Database& target,
+                        const std::function<void(int)>& progress, bool keep_orphans)
 {
-    Transaction transaction(target);
+    Integrity found = check_integrity(procedure, source);
+    if (!found.damaged.empty() || (!found.orphans.empty() && !keep_orphans))
+        throw CopyFailed(refusal(found, source.file().string(), keep_orphans));
+    RunResult result;
+    result.orphans = std::move(found.orphans);
+    std::optional<Transaction> transaction;
+    try {
+        transaction.emplace(target);
+    } catch (const DatabaseError& e) {
+        throw CopyFailed(std::string("beginning the import's transaction on the target: ") + e.what());
+    }
     try {
         delete_data(target);
         if (procedure.withdraws_e03) {
@@ -205,18 +217,18 @@ TableCounts run_procedure(const Procedure& procedure, const platform::OldDatabas
     } catch (const DatabaseError& e) {
         throw CopyFailed(std::string("emptying the target: ") + e.what());
     }
-    TableCounts counts{};
+    TableCounts& counts = result.counts;
     Numbering numbering;
     for (std::size_t i = 0; i < procedure.tables.size(); ++i) {
         counts[i] = copy_table(procedure.tables[i], source, target, numbering);
         progress(procedure.tables[i].progress);
     }
     try {
-        transaction.commit();
+        transaction->commit();
     } catch (const DatabaseError& e) {
         throw CopyFailed(std::string("committing the import: ") + e.what());
     }
-    return counts;
+    return result;
 }
 
 }  // namespace nimbara::import

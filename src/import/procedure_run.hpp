@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "import/mappings.hpp"
 #include "nimbara/Database.hpp"
@@ -28,9 +30,18 @@ inline constexpr const char* kDataTables[] = {"Tbl_Linha_ServicoEspecial", "Tbl_
 // Empties the data tables on the caller's transaction.
 void delete_data(Database& target);
 
+struct RunResult {
+    TableCounts counts{};
+    // The rows brought in although their Guia, line, client or contract is missing (keep_orphans).
+    std::vector<std::string> orphans;
+};
+
 // Runs `procedure` from `source` into `target` and commits; `progress` hears the bar's value after
-// each table. On any failure nothing of it stays in the target, and CopyFailed says where it stopped.
-TableCounts run_procedure(const Procedure& procedure, const platform::OldDatabase& source, Database& target,
-                          const std::function<void(int)>& progress);
+// each table. A source whose rows do not hang together is refused before anything is written,
+// unless `keep_orphans`, which brings rows of a missing parent in and lists them (damaged texts are
+// refused all the same). On any failure nothing of it stays in the target, and CopyFailed says where
+// it stopped.
+RunResult run_procedure(const Procedure& procedure, const platform::OldDatabase& source, Database& target,
+                        const std::function<void(int)>& progress, bool keep_orphans = false);
 
 }  // namespace nimbara::import

@@ -2,6 +2,8 @@
 #include <nlohmann/json.hpp>
 
 #include <fstream>
+#include <thread>
+#include <vector>
 
 #include "cli/db_program.hpp"
 #include "support/temp_folder.hpp"
@@ -49,6 +51,28 @@ TEST_P(DbCheckCommandsTest, ChecksAStoredGuiaLineByLineThenWhole)
     r = program("check 9");
     EXPECT_EQ(r.status, 2);
     EXPECT_NE(r.err.find("no Guia with N_Req 9"), std::string::npos) << r.err;
+}
+
+TEST_P(DbCheckCommandsTest, TwoStationsCheckingAtOnceKeepTheirOwnVerdicts)
+{
+    ASSERT_EQ(program("client save " + folder.write("client.json", R"({"vCod_Cliente": "456", "vNome": "X",
+        "contratos": [{"vCodContrato": "300042", "bActivo": true}]})")).status, 0);
+    // Two Guias of 300 objects of C03 in zone 01 each: alone, each falls short of 500; summed over
+    // one shared table they would reach it.
+    ASSERT_EQ(program("save " + example("valid-guia.json")).status, 0);
+    ASSERT_EQ(program("save " + example("valid-guia.json")).status, 0);
+    const std::string short_of_500 = "-1\tErro Minimo de 500 Objectos\n";
+    for (int round = 0; round < 12; ++round) {
+        std::vector<nimbara::testing::Run> runs(2);
+        std::vector<std::thread> stations;
+        for (int n = 0; n < 2; ++n)
+            stations.emplace_back([&, n] { runs[n] = program("check " + std::to_string(n + 1)); });
+        for (auto& s : stations) s.join();
+        for (const auto& r : runs) {
+            EXPECT_EQ(r.status, 1) << r.err;
+            ASSERT_TRUE(r.out.ends_with(short_of_500)) << "round " << round << ":\n" << r.out << r.err;
+        }
+    }
 }
 
 TEST_P(DbCheckCommandsTest, ChecksLinesAgainstTheTablesWithTheBatchRules)

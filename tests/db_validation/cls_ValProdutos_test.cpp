@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "nimbara/Schema.hpp"
+#include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "entities/working_table.hpp"
 #include "foundation/list_helpers.hpp"
 #include "nimbara/mdl_Biz.hpp"
 #include "support/per_check_twin.hpp"
@@ -106,6 +108,7 @@ TEST_P(TwinTest, GuiaRulesDifferFromTheCompiledOnes)
         {"an empty working table", {}, "passes", "passes"},
     };
     cls_ValProdutos table(db);
+    entities::prepare_working_table(*db);  // the connection's own table, which the rows below fill
     for (const auto& c : cases) {
         db->execute("DELETE FROM Tbl_Temp_Val_Guia");
         guia::Table lines;
@@ -139,6 +142,42 @@ TEST_P(TwinTest, WithoutADatabaseEveryAnswerIsTheGenericError)
     gConn = db;
     EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "passes");
     gConn = kept;
+}
+
+// Stations share the database, not the working table: each connection's sum covers the Guias it
+// copied in (several of them, as one old host's did), never another connection's.
+TEST_P(TwinTest, EachConnectionJudgesTheGuiasItCopiedIn)
+{
+    // A Guia of 300 objects of C03 in zone 01: short of 500 alone.
+    const auto guia = [](const std::shared_ptr<Database>& on, std::int32_t n_req) {
+        auto g = std::make_unique<cls_Guia_Cabecalho>(on);
+        g->vNReq = n_req;
+        std::string divisao = "0";
+        g->AddLinha(1, "01", "C03", 100, 300, "0", "0", "1", "0", "0", 0, 0, "0", divisao, "", "", "");
+        return g;
+    };
+    const std::string short_of_500 = "-1 Erro Minimo de 500 Objectos";
+    const auto other = OpenDatabase(scratch->conn());
+    auto mine = guia(db, 1), theirs = guia(other, 2);
+    mine->DoRemoveValTemp();
+    theirs->DoRemoveValTemp();
+    mine->DoInsertValTemp();
+    theirs->DoInsertValTemp();
+    ASSERT_EQ(mine->LastError() + theirs->LastError(), "");
+    cls_ValProdutos here(db), there(other);
+    EXPECT_EQ(show(here.DoValidaGuia(1)), short_of_500);
+    EXPECT_EQ(show(there.DoValidaGuia(2)), short_of_500);
+
+    theirs->DoRemoveValTemp();  // empties the other station's table only
+    EXPECT_EQ(db->open("SELECT N_Req FROM Tbl_Temp_Val_Guia").RecordCount(), 1);
+    guia(db, 2)->DoInsertValTemp();
+    EXPECT_EQ(show(here.DoValidaGuia(1)), "passes") << "the sum runs over every Guia this connection copied in";
+
+    // A connection that copied nothing reads an empty table, whatever the others hold.
+    const auto third = OpenDatabase(scratch->conn());
+    EXPECT_EQ(show(cls_ValProdutos(third).DoValidaGuia(1)), "passes");
+    theirs->DoInsertValTemp();
+    EXPECT_EQ(third->open("SELECT N_Req FROM Tbl_Temp_Val_Guia").RecordCount(), 0);
 }
 
 // Random lines, most of them drawn from the codes of one rule so that they get far, judged by the

@@ -84,8 +84,8 @@ void register_db_check(CLI::App& db, int& status)
                                              "result per line, then the Guia's");
     check->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*check, o->conn);
-    check->footer("Each result is 0, or the error number, a tab and its description. Tbl_Temp_Val_Guia is emptied "
-                  "and left holding this Guia.\nExit status: 0 all passed, 1 a line or the Guia failed, 2 no such "
+    check->footer("Each result is 0, or the error number, a tab and its description. The program's own "
+                  "Tbl_Temp_Val_Guia holds this Guia only.\nExit status: 0 all passed, 1 a line or the Guia failed, 2 no such "
                   "Guia or the database could not be read.");
     check->callback([o, &status] { status = run_db_command("check", std::cerr, [&] { return check_guia(*o); }); });
 

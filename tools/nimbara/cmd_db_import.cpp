@@ -70,6 +70,7 @@ public:
 
 struct Options {
     std::string file, version, procedure, conn;
+    bool keep_orphans = false;
 };
 
 int import(const Options& o)
@@ -87,6 +88,7 @@ int import(const Options& o)
             throw CommandError("no import procedure " + procedure);
     }
     cls_Importacao importacao(open_command_database(o.conn));
+    importacao.KeepOrphans = o.keep_orphans;
     ImportNotifier shown;
     const NotifierInForce in_force(shown);
     const std::filesystem::path file(o.file);
@@ -102,6 +104,10 @@ int import(const Options& o)
     const ImportCounts& n = importacao.LastCounts();
     std::cout << "brought in " << n.Clientes << " clients, " << n.Contratos << " contracts, " << n.Guias << " Guias, "
               << n.Linhas << " lines and " << n.Servicos << " services\n";
+    if (!importacao.LastOrphans().empty()) {
+        std::cout << "kept " << importacao.LastOrphans().size() << " rows that belong to nothing:\n";
+        for (const auto& row : importacao.LastOrphans()) std::cout << "  " << row << '\n';
+    }
     return 0;
 }
 
@@ -118,6 +124,9 @@ void register_db_import(CLI::App& db, int& status)
                                       "Run this procedure by name instead (DoImportDados0501 ... DoImportDadosTo050314), "
                                       "the older ones included");
     version->excludes(procedure);
+    cmd->add_flag("--keep-orphans", o->keep_orphans,
+                  "Bring in the rows whose Guia, line, client or contract the file lacks, and list them, rather "
+                  "than refuse the file");
     cmd->callback([o, version, procedure, &status] {
         if (version->count() == 0 && procedure->count() == 0) {
             std::cerr << "nimbara db import: give --version (or --procedure)\n";

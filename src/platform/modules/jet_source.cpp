@@ -5,8 +5,13 @@
 #include <glib.h>
 #include <mdbtools.h>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cstdio>
+#include <mutex>
 #include <cstdint>
 #include <fstream>
 #include <span>
@@ -29,6 +34,94 @@ struct TableFreer {
     void operator()(MdbTableDef* table) const { mdb_free_tabledef(table); }
 };
 using TableDef = std::unique_ptr<MdbTableDef, TableFreer>;
+
+// libmdb tells its troubles on standard error in its own words, without the file's name ("offset N is
+// beyond EOF", "Oops! didn't get a full page"), also on the way to a reading that succeeds. Its calls
+// run with that stream sent into a file of ours: what it said joins our message when the reading
+// fails, and is dropped when it does not.
+int chatter_sink()
+{
+    static const int fd = ::memfd_create("nimbara-libmdb", MFD_CLOEXEC);
+    return fd;
+}
+
+class Chatter {
+public:
+    // " (libmdb: offset 8192 is beyond EOF)", or nothing when it said nothing. Called while its
+    // calls are muffled, it hears what they said so far.
+    std::string told() const
+    {
+        const_cast<Chatter*>(this)->listen();
+        return first_.empty() ? std::string() : " (libmdb: " + first_ + ")";
+    }
+
+    // Takes what was said into the sink, and empties it.
+    void listen()
+    {
+        std::fflush(stderr);
+        const off_t size = ::lseek(chatter_sink(), 0, SEEK_CUR);
+        if (size <= 0) return;
+        std::array<char, 512> text{};
+        const ssize_t n = ::pread(chatter_sink(), text.data(), text.size(), 0);
+        if (n > 0) heard(std::string_view(text.data(), static_cast<std::size_t>(n)));
+        if (::ftruncate(chatter_sink(), 0) == 0) ::lseek(chatter_sink(), 0, SEEK_SET);
+    }
+
+private:
+    void heard(std::string_view text)
+    {
+        if (!first_.empty()) return;
+        const auto end = text.find('\n');
+        first_ = text.substr(0, end);
+        while (!first_.empty() && (first_.back() == '\r' || first_.back() == ' ')) first_.pop_back();
+        if (first_.size() > 200) first_.resize(200);
+    }
+    std::string first_;
+};
+
+// Standard error sent into a memory file for as long as the object lives, one thread at a time; a
+// call made inside another's lifetime on the same thread is simply within it.
+class Muffled {
+public:
+    explicit Muffled(Chatter& chatter) : chatter_(chatter), lock_(mutex())
+    {
+        if (depth()++ > 0 || sink() < 0) return;
+        std::fflush(stderr);
+        saved_ = ::dup(STDERR_FILENO);
+        if (saved_ >= 0 && ::dup2(sink(), STDERR_FILENO) < 0) {
+            ::close(saved_);
+            saved_ = -1;
+        }
+    }
+    ~Muffled()
+    {
+        --depth();
+        if (saved_ < 0) return;
+        std::fflush(stderr);
+        ::dup2(saved_, STDERR_FILENO);
+        ::close(saved_);
+        chatter_.listen();
+    }
+    Muffled(const Muffled&) = delete;
+    Muffled& operator=(const Muffled&) = delete;
+
+private:
+    static std::recursive_mutex& mutex()
+    {
+        static std::recursive_mutex m;
+        return m;
+    }
+    static int& depth()
+    {
+        thread_local int d = 0;
+        return d;
+    }
+    static int sink() { return chatter_sink(); }
+
+    Chatter& chatter_;
+    std::lock_guard<std::recursive_mutex> lock_;
+    int saved_ = -1;
+};
 
 constexpr int kRowOffsetMask = 0x1FFF;  // the row offset table keeps flags above the offset
 
@@ -58,12 +151,14 @@ void check_file(const std::filesystem::path& file)
         throw OldDatabaseError(name_of(file) + " is not a Jet database file");
 }
 
-Handle open_handle(const std::filesystem::path& file)
+Handle open_handle(const std::filesystem::path& file, Chatter& chatter)
 {
     check_file(file);
+    const Muffled muffled(chatter);
     Handle mdb(mdb_open(file.c_str(), MDB_NOFLAGS));
-    if (!mdb) throw OldDatabaseError(name_of(file) + " cannot be opened as a Jet database");
-    if (!mdb_read_catalog(mdb.get(), MDB_TABLE)) throw OldDatabaseError(name_of(file) + ": its list of tables cannot be read");
+    if (!mdb) throw OldDatabaseError(name_of(file) + " cannot be opened as a Jet database" + chatter.told());
+    if (!mdb_read_catalog(mdb.get(), MDB_TABLE))
+        throw OldDatabaseError(name_of(file) + ": its list of tables cannot be read" + chatter.told());
     return mdb;
 }
 
@@ -92,11 +187,27 @@ const char* unreadable_type(int type)
     }
 }
 
+// The bytes a value of a fixed-width type takes; 0 for texts and memos.
+int width(int type)
+{
+    switch (type) {
+    case MDB_BYTE: return 1;
+    case MDB_INT: return 2;
+    case MDB_LONGINT: case MDB_COMPLEX: case MDB_FLOAT: return 4;
+    case MDB_MONEY: case MDB_DOUBLE: case MDB_DATETIME: return 8;
+    default: return 0;
+    }
+}
+
 class JetTableReader final : public OldTableReader {
 public:
-    JetTableReader(std::filesystem::path file, Handle mdb, MdbCatalogEntry& entry)
-        : file_(std::move(file)), mdb_(std::move(mdb)), table_(mdb_read_table(&entry)), name_(entry.object_name)
+    JetTableReader(std::filesystem::path file, Handle mdb, MdbCatalogEntry& entry, Chatter chatter)
+        : file_(std::move(file)), mdb_(std::move(mdb)), chatter_(std::move(chatter)), name_(entry.object_name)
     {
+        std::error_code ec;
+        file_size_ = std::filesystem::file_size(file_, ec);
+        const Muffled muffled(chatter_);
+        table_.reset(mdb_read_table(&entry));
         if (!table_ || !mdb_read_columns(table_.get())) throw failure("its columns cannot be read");
         for (guint i = 0; i < table_->num_cols; ++i) {
             const auto& column = this->column(i);
@@ -115,6 +226,7 @@ public:
     {
         // libmdb starts the last page over when asked again after the end.
         if (finished_) return false;
+        const Muffled muffled(chatter_);
         if (!mdb_fetch_row(table_.get())) {
             finished_ = true;
             // libmdb ends a table quietly at a page it cannot read, so a cut file would pass for a short table.
@@ -148,7 +260,7 @@ private:
     }
     OldDatabaseError failure(const std::string& what) const
     {
-        return OldDatabaseError(name_of(file_) + ", table " + name_ + ": " + what);
+        return OldDatabaseError(name_of(file_) + ", table " + name_ + ": " + what + chatter_.told());
     }
 
     std::span<const unsigned char> stored(const MdbField& field) const
@@ -166,6 +278,10 @@ private:
         // A yes/no value is kept in the row's null mask: a set bit is yes, and it is never Null.
         if (column.col_type == MDB_BOOL) return field.is_null == 0;
         if (field.is_null) return std::monostate{};
+        // A damaged row may place a value beyond its page, or make it narrower than its type.
+        const auto page_size = static_cast<long>(mdb_->fmt->pg_size);
+        if (field.start < 0 || field.siz < width(column.col_type) || long{field.start} + long{field.siz} > page_size)
+            throw OldDatabaseError(where(column) + ": a value lies outside its page (a damaged row)" + chatter_.told());
         unsigned char* page = mdb_->pg_buf;
         switch (column.col_type) {
         case MDB_BYTE:
@@ -208,6 +324,9 @@ private:
         if (!one_page && (length_and_flags & 0xFF000000u) != 0)
             throw OldDatabaseError(where(column) + ": a memo is stored in a form this reader does not know");
         const std::size_t length = length_and_flags & 0x3FFFFFFFu;
+        if (length > file_size_)
+            throw OldDatabaseError(where(column) + ": a memo states a length of " + std::to_string(length) +
+                                   " bytes, more than the whole file holds (a damaged row)");
         std::vector<unsigned char> text;
         text.reserve(length);
         auto page_row = static_cast<int>(mdb_get_int32(mdb_->pg_buf, field.start + 4));
@@ -217,8 +336,8 @@ private:
             int start = 0;
             std::size_t size = 0;
             if (pages > length || mdb_find_pg_row(mdb_.get(), page_row, &buffer, &start, &size) != 0 ||
-                (!one_page && size < 4))
-                throw OldDatabaseError(where(column) + ": a page of a memo cannot be read");
+                (!one_page && size < 4) || start < 0 || std::size_t(start) + size > std::size_t(mdb_->fmt->pg_size))
+                throw OldDatabaseError(where(column) + ": a page of a memo cannot be read" + chatter_.told());
             const auto* row = static_cast<const unsigned char*>(buffer) + start;
             if (one_page) {
                 text.assign(row, row + size);
@@ -228,13 +347,16 @@ private:
             text.insert(text.end(), row + 4, row + size);
             if (page_row == 0) break;
         }
-        if (text.size() < length) throw OldDatabaseError(where(column) + ": a memo is shorter than its stated length");
+        if (text.size() < length)
+            throw OldDatabaseError(where(column) + ": a memo is shorter than its stated length" + chatter_.told());
         text.resize(length);
         return text;
     }
 
     std::filesystem::path file_;
     Handle mdb_;
+    Chatter chatter_;
+    std::uintmax_t file_size_ = 0;
     TableDef table_;  // after the handle, so that it is freed first
     std::string name_;
     std::vector<std::string> columns_;
@@ -247,7 +369,8 @@ class JetDatabase final : public OldDatabase {
 public:
     explicit JetDatabase(std::filesystem::path file) : file_(std::move(file))
     {
-        const Handle mdb = open_handle(file_);
+        Chatter chatter;
+        const Handle mdb = open_handle(file_, chatter);
         for (const MdbCatalogEntry* entry : user_tables(mdb.get())) tables_.emplace_back(entry->object_name);
     }
 
@@ -264,9 +387,11 @@ public:
     // Each reader has a handle of its own, since a handle reads through one page buffer.
     std::unique_ptr<OldTableReader> open_table(std::string_view name) const override
     {
-        Handle mdb = open_handle(file_);
+        Chatter chatter;
+        Handle mdb = open_handle(file_, chatter);
         for (MdbCatalogEntry* entry : user_tables(mdb.get()))
-            if (same_name(entry->object_name, name)) return std::make_unique<JetTableReader>(file_, std::move(mdb), *entry);
+            if (same_name(entry->object_name, name))
+                return std::make_unique<JetTableReader>(file_, std::move(mdb), *entry, std::move(chatter));
         throw OldDatabaseError(name_of(file_) + " has no table " + std::string(name));
     }
 
