@@ -39,11 +39,11 @@ TEST_P(FieldNamesTest, AreSpelledAsTheStatementSpellsThem)
     guia->DoSave();
     guia->DoInsertValTemp();
     ASSERT_EQ(guia->LastError(), "");
-    db->execute("INSERT INTO Tbl_Parametro (GuiaNVias) VALUES ('1')");
+    cls_Parametro parametro(db);
+    parametro.DoSave();  // the defaults, as the settings row
 
     cls_Cliente cliente(db);
     cls_Contrato contrato(db);
-    cls_Parametro parametro(db);
     cls_Ref_Produto produto(db);
     cls_Impressao impressao(db);
     impressao.set_log_path(std::filesystem::temp_directory_path() / "nimbara-field-names.log");
