@@ -388,6 +388,9 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const auto& run : runs) {
+            // With repetitions, the mean stands for the runs; the other aggregates are no rates.
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "mean") continue;
+            if (run.run_type == Run::RT_Iteration && run.repetitions > 1) continue;
             const auto it = run.counters.find("items_per_second");
             std::string name = run.benchmark_name();
             if (const auto suffix = name.find("/real_time"); suffix != std::string::npos) name.erase(suffix);
