@@ -33,6 +33,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// An object has no connection to work on: none was opened for it (the ini file gives no connection
+// string, or the store it names cannot be opened), so nothing it was asked to write was written. The
+// entity writes that otherwise answer 0 and keep their failure in LastError() raise this one, as a
+// host that trusts their 0 would otherwise lose the write without a sign.
+class NIMBARA_API ConnectionError : public DatabaseError {
+public:
+    using DatabaseError::DatabaseError;
+};
+
 // The failure of a statement run through execute_queued, named by the label it was queued with,
 // wherever it shows.
 class NIMBARA_API QueuedStatementFailed : public DatabaseError {

@@ -31,6 +31,14 @@ NIMBARA_API bool EscreveFicheiro(const std::filesystem::path& path, std::string_
 // with the folder and the cause.
 NIMBARA_API std::filesystem::path WriteUniqueReport(const std::filesystem::path& folder, std::string_view contents);
 
+// Nothing is ever written into the folder the library or program is installed in. Reports and PDFs
+// go, unless the host or user names another folder, to the current working folder (answered as an
+// absolute path); the print log to $XDG_STATE_HOME/nimbara/nimbara.log, or
+// ~/.local/state/nimbara/nimbara.log when XDG_STATE_HOME is unset or relative. The log's folder is
+// made when the first entry is written.
+NIMBARA_API std::filesystem::path DefaultOutputFolder();
+NIMBARA_API std::filesystem::path DefaultPrintLog();
+
 // Removes every file this process is still writing (reports, PDFs); safe to call from a signal
 // handler, so that a program stopped by a signal leaves nothing half-written.
 NIMBARA_API void RemovePendingFiles();

@@ -74,7 +74,7 @@ public:
     // the fixed parts by itself (a test page) sets them here.
     void SetPageOffsets(double left_mm, double top_mm);
 
-    // Where WriteLog writes: by default beside the component, named after it.
+    // Where WriteLog writes: by default $XDG_STATE_HOME/nimbara/nimbara.log (GlobalFrameWork::DefaultPrintLog).
     const std::filesystem::path& log_path() const { return log_path_; }
     void set_log_path(std::filesystem::path path) { log_path_ = std::move(path); }
     // Where this object's messages go; by default the process-wide notifier. The host keeps it alive.

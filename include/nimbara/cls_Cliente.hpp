@@ -3,6 +3,9 @@
 //
 // Writes run in transactions and bind their values. The operations that answer 0 still do and
 // keep going as before; LastError() tells what the last write failed on (empty when it succeeded).
+// A client or contract without a connection (the ini file named none, or its store could not be
+// opened) raises ConnectionError (nimbara/Database.hpp) from its writes instead, as a missing
+// connection always reached the host.
 #include <cstdint>
 #include <memory>
 #include <optional>

@@ -4,8 +4,11 @@
 //
 // A save of a header with its lines and services, and a deletion of a Guia, are each one
 // transaction: a failure leaves the database as it was. The operations that answer 0 still do,
-// and LastError() tells what failed (empty after a success). Values are bound, so an apostrophe is
-// data and a date is a date.
+// and LastError() tells what failed (empty after a success). An object without a connection (the
+// ini file named none, or its store could not be opened) is the exception: its writes (DoSave,
+// DoSaveNumerada, DoSaveCol, DoDelete, DoInsertValTemp, DoRemoveValTemp) raise ConnectionError
+// (nimbara/Database.hpp), as a missing connection always reached the host. Values are bound, so an
+// apostrophe is data and a date is a date.
 #include <cstdint>
 #include <memory>
 #include <string>

@@ -20,7 +20,10 @@ namespace nimbara {
 
 class NIMBARA_API cls_ValProdutos {
 public:
-    // On this thread's shared connection gConn, as it stands at each call.
+    // On this thread's shared connection gConn, as it stands at each call. Creation opens it from
+    // the ini file (OpenConnection()): a store that cannot be opened raises ConnectionError here; an
+    // ini file without a connection string sends its message to the notifier and leaves gConn as it
+    // was, so that every answer is then -100 unless the host sets gConn.
     cls_ValProdutos();
     // On the host's own database.
     explicit cls_ValProdutos(std::shared_ptr<Database> db);

@@ -136,7 +136,9 @@ public:
     [[nodiscard]] FillAnswer PreencheServico(const GuiaServico& fields);
     [[nodiscard]] FillAnswer PreencheParametros(const GuiaParametros& fields);
 
-    // Why the last fill operation answered -1; nothing after one that succeeded.
+    // Why the last fill operation answered -1, or why the last ImprimeGuia gave the fixed failure
+    // answer (a report that cannot be written names its folder and the cause); nothing after a
+    // call that succeeded.
     const std::optional<Failure>& LastError() const { return last_error_; }
 
     const cab::Table& arrCabecalho() const { return arrays_.arrCabecalho; }
@@ -163,7 +165,8 @@ public:
     // Does what ImprimeGuia does and tells what happened; ImprimeGuia's answer is built from it.
     [[nodiscard]] GuiaOutcome ImprimeGuiaOutcome(bool boolOnlyPrinter);
 
-    // Where reports are written; by default the component's own folder.
+    // Where reports are written; by default the current working folder at the call
+    // (GlobalFrameWork::DefaultOutputFolder), never the folder the library is installed in.
     void setReportFolder(std::filesystem::path folder) { report_folder_ = std::move(folder); }
     std::filesystem::path reportFolder() const;
 
@@ -187,7 +190,7 @@ public:
     void setPrintFolder(std::filesystem::path folder) { print_folder_ = std::move(folder); }
     // The print folder; by default the report folder.
     std::filesystem::path printFolder() const;
-    // Where printing failures are logged; by default the log beside the component.
+    // Where printing failures are logged; by default GlobalFrameWork::DefaultPrintLog().
     void setPrintLog(std::filesystem::path log) { print_log_ = std::move(log); }
     // Where this object's print run sends its messages; by default the process-wide notifier. The
     // host keeps the notifier alive while it is set.

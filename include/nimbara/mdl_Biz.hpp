@@ -22,8 +22,8 @@ NIMBARA_API extern thread_local std::string gDirBD;
 // goes to the notifier and the answer is false.
 NIMBARA_API bool Le_Ini();
 
-// Reads the ini file and puts this thread's connection for gConnString into gConn. A store's
-// failure raises DatabaseError; a failed Le_Ini leaves gConn as it was.
+// Reads the ini file and puts this thread's connection for gConnString into gConn. A store that
+// cannot be opened raises ConnectionError; a failed Le_Ini leaves gConn as it was.
 NIMBARA_API void OpenConnection();
 // As above into `conn`, but a failure of any kind leaves `conn` empty and raises nothing.
 NIMBARA_API void OpenConnection(std::shared_ptr<Database>& conn);

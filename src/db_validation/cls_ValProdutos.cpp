@@ -14,13 +14,14 @@ ErrorArray generic_error() { return {-100, std::string("Erro Genérico")}; }
 
 }  // namespace
 
-cls_ValProdutos::cls_ValProdutos() = default;
+// As the old hosts expect, creation itself opens this thread's shared connection from the ini file.
+cls_ValProdutos::cls_ValProdutos() { OpenConnection(); }
 cls_ValProdutos::cls_ValProdutos(std::shared_ptr<Database> db) : db_(std::move(db)) {}
 
 std::shared_ptr<Database> cls_ValProdutos::connection() const
 {
     auto db = db_ ? db_ : gConn;
-    if (!db) throw DatabaseError("no connection to the database");
+    if (!db) throw ConnectionError("no connection to the database");
     return db;
 }
 

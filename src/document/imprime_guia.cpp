@@ -3,7 +3,6 @@
 #include <system_error>
 
 #include "document/validation_report.hpp"
-#include "foundation/component.hpp"
 #include "nimbara/GlobalFrameWork.hpp"
 #include "foundation/required_numbers.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
@@ -37,7 +36,7 @@ ValidationResult cls_ValProdutosA::DoValidaGuia() const
 
 std::filesystem::path cls_ValProdutosA::reportFolder() const
 {
-    return report_folder_ ? *report_folder_ : component_location().folder;
+    return report_folder_ ? *report_folder_ : GlobalFrameWork::DefaultOutputFolder();
 }
 
 std::filesystem::path cls_ValProdutosA::printFolder() const { return print_folder_ ? *print_folder_ : reportFolder(); }
@@ -97,6 +96,8 @@ GuiaOutcome cls_ValProdutosA::ImprimeGuiaOutcome(bool boolOnlyPrinter)
     } catch (const std::exception& e) {
         outcome.failure = Failure{"ImprimeGuia", e.what()};
     }
+    // The fixed failure answer says nothing of its cause: a host finds it here.
+    last_error_ = outcome.failure;
     return outcome;
 }
 

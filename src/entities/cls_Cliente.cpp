@@ -1,4 +1,5 @@
 #include "entities/connection.hpp"
+#include "entities/schema_tables.hpp"
 #include "nimbara/cls_Cliente.hpp"
 #include "nimbara/mdl_Biz.hpp"
 
@@ -108,7 +109,7 @@ void cls_Cliente::DeleteRegs(const std::string& id_Cliente)
 void cls_Cliente::SelectAll(Recordset& rs)
 {
     if (gConnString.empty() && !myConn) return;
-    rs = require(myConn).open("SELECT * FROM Tbl_Cliente ORDER BY Cod_Cliente");
+    rs = require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Cliente") + " FROM Tbl_Cliente ORDER BY Cod_Cliente");
 }
 
 void cls_Cliente::load(const char* column, std::int32_t value)
@@ -202,7 +203,7 @@ void cls_Cliente::FillColContrato()
 
 std::string cls_Cliente::SelectContrato_Criteria(Recordset& rs, std::int32_t id_Cliente)
 {
-    rs = require(myConn).open("SELECT MIN(Cod_Contrato) AS Contrato FROM Tbl_Contrato WHERE Id_Cliente = ? AND bActivo = ?",
+    rs = require(myConn).open("SELECT MIN(Cod_Contrato) AS \"Contrato\" FROM Tbl_Contrato WHERE Id_Cliente = ? AND bActivo = ?",
                               {id_Cliente, true});
     if (rs[std::size_t{0}].is_null()) throw std::invalid_argument("Invalid use of Null");
     return rs[std::size_t{0}].text();

@@ -1,4 +1,5 @@
 #include "entities/connection.hpp"
+#include "entities/schema_tables.hpp"
 #include "nimbara/cls_Cliente.hpp"
 
 namespace nimbara {
@@ -75,13 +76,15 @@ void cls_Contrato::DoDelete()
 
 void cls_Contrato::SelectAll(Recordset& rs, const std::string& CodCLiente)
 {
-    rs = require(myConn).open("SELECT * FROM Tbl_Contrato WHERE Id_Cliente = ? ORDER BY Cod_Contrato",
+    rs = require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Contrato") +
+                                  " FROM Tbl_Contrato WHERE Id_Cliente = ? ORDER BY Cod_Contrato",
                               {FieldValue(CodCLiente).integer()});
 }
 
 void cls_Contrato::SelectContratoActivo(Recordset& rs, const std::string& /*CodCLiente*/)
 {
-    rs = require(myConn).open("SELECT * FROM Tbl_Contrato WHERE Id_Cliente = ? AND bActivo = ? ORDER BY Cod_Contrato",
+    rs = require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Contrato") +
+                                  " FROM Tbl_Contrato WHERE Id_Cliente = ? AND bActivo = ? ORDER BY Cod_Contrato",
                               {iId_Cliente, true});
 }
 

@@ -3,6 +3,7 @@
 
 #include "entities/connection.hpp"
 #include "entities/working_table.hpp"
+#include "entities/schema_tables.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
@@ -150,15 +151,22 @@ std::int32_t cls_Guia_Cabecalho::SelectMax_NReqAnual_PorCliente(const std::strin
                   {Timestamp::now().year, FieldValue(clienteNr).integer()});
 }
 
-void cls_Guia_Cabecalho::SelectAll(Recordset& rs) { rs = require(myConn).open("SELECT * FROM Tbl_Cab"); }
+void cls_Guia_Cabecalho::SelectAll(Recordset& rs)
+{
+    rs = require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Cab") + " FROM Tbl_Cab");
+}
 
 void cls_Guia_Cabecalho::SelectLista(Recordset& rs)
 {
     Database& db = require(myConn);
+    using entities::spelled;
     rs = db.open(
-        "SELECT Tbl_Cliente.Cod_Cliente, Tbl_Cab.Cod_Contrato, Tbl_Cliente.Nome, Tbl_Cab.Id_Req_Anual AS Guia, " +
-        db.date_text("Tbl_Cab.D_Req", DateText::DayDashed) + " AS Data_Req, Tbl_Cab.Observacoes, Tbl_Cab.N_Req, Tbl_Cab.nCompromisso "
-        "FROM Tbl_Cab INNER JOIN Tbl_Contrato ON Tbl_Cab.Cod_Contrato = Tbl_Contrato.Cod_Contrato "
+        "SELECT " + spelled("Tbl_Cliente.Cod_Cliente", "Cod_Cliente") + ", " + spelled("Tbl_Cab.Cod_Contrato", "Cod_Contrato") +
+        ", " + spelled("Tbl_Cliente.Nome", "Nome") + ", " + spelled("Tbl_Cab.Id_Req_Anual", "Guia") + ", " +
+        spelled(db.date_text("Tbl_Cab.D_Req", DateText::DayDashed), "Data_Req") + ", " +
+        spelled("Tbl_Cab.Observacoes", "Observacoes") + ", " + spelled("Tbl_Cab.N_Req", "N_Req") + ", " +
+        spelled("Tbl_Cab.nCompromisso", "nCompromisso") +
+        " FROM Tbl_Cab INNER JOIN Tbl_Contrato ON Tbl_Cab.Cod_Contrato = Tbl_Contrato.Cod_Contrato "
         "INNER JOIN Tbl_Cliente ON Tbl_Cab.Id_Cliente = Tbl_Cliente.Id_Cliente "
         "WHERE Tbl_Cliente.Id_Cliente = Tbl_Contrato.Id_Cliente "
         "ORDER BY Tbl_Cliente.Cod_Cliente, Tbl_Cab.N_Req2");

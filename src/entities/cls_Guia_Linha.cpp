@@ -2,6 +2,7 @@
 #include <charconv>
 
 #include "entities/connection.hpp"
+#include "entities/schema_tables.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
@@ -99,7 +100,9 @@ void cls_Guia_Linha::DoDelete()
 
 void cls_Guia_Linha::SelectAll(Recordset& rs, std::int32_t NReq)
 {
-    rs = require(myConn).open("SELECT * FROM Tbl_Linha WHERE N_Req = ? ORDER BY N_Linha", {NReq});
+    rs = require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Linha") +
+                                  " FROM Tbl_Linha WHERE N_Req = ? ORDER BY N_Linha",
+                              {NReq});
 }
 
 void cls_Guia_Linha::SelectMe(Recordset& rs, std::int32_t /*NReq*/, std::int16_t /*NLinha*/)

@@ -1,4 +1,5 @@
 #include "entities/connection.hpp"
+#include "entities/schema_tables.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
@@ -50,7 +51,8 @@ void cls_Guia_SEspecial::DoDelete()
 
 void cls_Guia_SEspecial::SelectAll(Recordset& rs, std::int32_t NReq, std::int16_t NLinha)
 {
-    rs = require(myConn).open("SELECT * FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ? AND N_Linha = ? "
+    rs = require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Linha_ServicoEspecial") +
+                                  " FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ? AND N_Linha = ? "
                               "ORDER BY CodigoServicoEspecial",
                               {NReq, NLinha});
 }

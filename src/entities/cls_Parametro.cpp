@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "entities/connection.hpp"
+#include "entities/schema_tables.hpp"
 
 namespace nimbara {
 namespace {
@@ -48,7 +49,10 @@ cls_Parametro::cls_Parametro() : myConn(entities::connection_from_ini()) { load(
 
 cls_Parametro::cls_Parametro(std::shared_ptr<Database> db) : myConn(std::move(db)) { load(); }
 
-void cls_Parametro::SelectAll(Recordset& rs) { rs = entities::require(myConn).open("SELECT * FROM Tbl_Parametro"); }
+void cls_Parametro::SelectAll(Recordset& rs)
+{
+    rs = entities::require(myConn).open("SELECT " + entities::spelled_columns("Tbl_Parametro") + " FROM Tbl_Parametro");
+}
 
 void cls_Parametro::load()
 {

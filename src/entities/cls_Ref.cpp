@@ -1,6 +1,7 @@
 #include "nimbara/cls_Ref.hpp"
 
 #include "entities/connection.hpp"
+#include "entities/schema_tables.hpp"
 
 namespace nimbara {
 
@@ -29,13 +30,16 @@ void RefList::SelectMe(const std::string& Codigo)
 
 void RefList::SelectAll(Recordset& rstab)
 {
-    rstab = entities::require(myConn).open("SELECT * FROM " + std::string(table_) + " ORDER BY Codigo");
+    rstab = entities::require(myConn).open("SELECT " + entities::spelled_columns(table_) + " FROM " + std::string(table_) +
+                                           " ORDER BY Codigo");
 }
 
 void RefList::SelectAllActive(Recordset& rstab)
 {
     if (!has_activo_) return SelectAll(rstab);
-    rstab = entities::require(myConn).open("SELECT * FROM " + std::string(table_) + " WHERE Activo = ? ORDER BY Codigo", {true});
+    rstab = entities::require(myConn).open("SELECT " + entities::spelled_columns(table_) + " FROM " + std::string(table_) +
+                                               " WHERE Activo = ? ORDER BY Codigo",
+                                           {true});
 }
 
 Recordset cls_Ref_ZTaxacao::SelectAllActive2(std::string& /*Produto*/)

@@ -49,7 +49,11 @@ std::shared_ptr<Database> SharedConnection(const std::string& conn)
 void OpenConnection()
 {
     if (!Le_Ini()) return;
-    gConn = SharedConnection(gConnString);
+    try {
+        gConn = SharedConnection(gConnString);
+    } catch (const DatabaseError& e) {
+        throw ConnectionError(e.what());
+    }
 }
 
 void OpenConnection(std::shared_ptr<Database>& conn)
@@ -89,7 +93,7 @@ std::shared_ptr<Database> connection_from_ini()
 
 Database& require(const std::shared_ptr<Database>& conn)
 {
-    if (!conn) throw DatabaseError("no connection to the database: " + (last_failure.empty() ? "none was opened" : last_failure));
+    if (!conn) throw ConnectionError("no connection to the database: " + (last_failure.empty() ? "none was opened" : last_failure));
     return *conn;
 }
 

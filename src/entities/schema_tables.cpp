@@ -1,6 +1,9 @@
 #include "entities/schema_tables.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <span>
+#include <stdexcept>
 #include <string_view>
 
 namespace nimbara::entities {
@@ -154,6 +157,21 @@ constexpr const char* kView =
     "LEFT JOIN Tbl_N_AmbitoDistribuicao A ON A.Codigo = L.N_Ambito_Distrib "
     "LEFT JOIN Tbl_Q_Conteudo C ON C.Codigo = L.Q_Conteudo";
 
+// The view's columns as it names them, in its order.
+constexpr const char* kViewColumns[] = {
+    "N_Req", "N_Linha", "A_Zona_Taxacao", "B_Produto", "C_Escalao", "D_Quantidade", "E_Velocidade", "F_Formato",
+    "G_Pre_Tratamento", "H_Descontos", "K_Entrega_Sampling", "L_TaxEsp_Semana", "M_TaxEsp_Quantidade",
+    "N_Ambito_Distrib", "O_Divisao_Remetente", "CodigoCampanha", "Q_Conteudo", "P_RefCliente", "Desig_Zona_Taxacao",
+    "Desig_Produto", "Desig_Velocidade", "Desig_Formato", "Desig_Descontos", "Desig_Entrega_Sampling",
+    "Desig_Ambito_Distrib", "Desig_Conteudo"};
+
+bool same_name(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+           });
+}
+
 bool has_designation(const Table& t) { return t.columns.size() >= 2 && std::string_view(t.columns[1].name) == "Designacao"; }
 
 std::string create_table(const Table& t, StoreKind kind)
@@ -202,6 +220,38 @@ std::vector<std::string> statistics_statements()
     for (const auto& t : tables())
         if (has_designation(t)) statements.push_back("ANALYZE " + std::string(t.name));
     return statements;
+}
+
+std::string spelled(std::string_view expression, std::string_view name)
+{
+    return std::string(expression) + " AS \"" + std::string(name) + "\"";
+}
+
+std::string spelled_list(std::initializer_list<std::string_view> columns)
+{
+    std::string list;
+    for (const std::string_view column : columns) {
+        const auto dot = column.rfind('.');
+        list += (list.empty() ? "" : ", ") + spelled(column, dot == std::string_view::npos ? column : column.substr(dot + 1));
+    }
+    return list;
+}
+
+std::string spelled_columns(std::string_view table, std::string_view qualifier)
+{
+    const std::string prefix = qualifier.empty() ? std::string() : std::string(qualifier) + ".";
+    std::string list;
+    const auto add = [&](std::string_view name) { list += (list.empty() ? "" : ", ") + spelled(prefix + std::string(name), name); };
+    if (same_name(table, "Query_ParteVariavel")) {
+        for (const char* name : kViewColumns) add(name);
+        return list;
+    }
+    for (const auto& t : tables()) {
+        if (!same_name(t.name, table)) continue;
+        for (const auto& c : t.columns) add(c.name);
+        return list;
+    }
+    throw std::invalid_argument("no table " + std::string(table) + " in the register");
 }
 
 const std::vector<std::string>& schema_table_names()

@@ -1,6 +1,8 @@
 #pragma once
 // The register of tables as statements, and the rows the new database starts with.
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "nimbara/Database.hpp"
@@ -18,6 +20,18 @@ std::vector<std::string> statistics_statements();
 // The statement that gives a connection its own working table of the database validator
 // (Tbl_Temp_Val_Guia), when it has none yet; the same on both stores.
 std::string working_table_statement();
+
+// A result column under the name given, quoted so that PostgreSQL answers that spelling (it folds
+// names it is not given in quotes to lower case) as SQLite does: `expression AS "name"`.
+std::string spelled(std::string_view expression, std::string_view name);
+
+// Columns, each under its own name as written here (the part after the last dot), joined by commas.
+std::string spelled_list(std::initializer_list<std::string_view> columns);
+
+// The columns of a table of the register, or of the view Query_ParteVariavel, each spelled as the
+// register spells it: what SELECT * answers on SQLite, for a SELECT that answers it on both stores.
+// `qualifier` (a table name or alias) goes before each column.
+std::string spelled_columns(std::string_view table, std::string_view qualifier = {});
 
 // The names of the tables the statements create; a database holding any of them has the schema.
 const std::vector<std::string>& schema_table_names();

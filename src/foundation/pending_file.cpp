@@ -1,5 +1,6 @@
 #include "foundation/pending_file.hpp"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <random>
 #include <system_error>
 
 namespace nimbara {
@@ -59,6 +61,15 @@ void release_slot(const std::string& path)
     throw std::system_error(error, std::generic_category(), what);
 }
 
+// Fills the six X before the suffix with letters and digits drawn at random.
+void fill_random(char* name, std::size_t length)
+{
+    static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    thread_local std::mt19937_64 random{std::random_device{}() ^ static_cast<std::uint64_t>(::getpid())};
+    char* x = name + length - 5 - 6;  // ".part" follows the six
+    for (int i = 0; i < 6; ++i) x[i] = kLetters[random() % (sizeof kLetters - 1)];
+}
+
 }  // namespace
 
 PendingFile::PendingFile(const std::filesystem::path& folder)
@@ -68,19 +79,26 @@ PendingFile::PendingFile(const std::filesystem::path& folder)
     // any moment finds every temporary this process has made.
     Slot* slot = claim_slot(pattern);
     char* name = slot ? slot->path : pattern.data();
-    const int fd = ::mkstemps(name, 5);
+    // Created with open() rather than mkstemps, so that the file gets the permissions the umask
+    // allows, as any other file the user makes, rather than always 0600.
+    int fd = -1;
+    int error = EEXIST;
+    for (int attempt = 0; attempt < 100 && fd < 0 && error == EEXIST; ++attempt) {
+        fill_random(name, pattern.size());
+        fd = ::open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd < 0) error = errno;
+    }
     if (fd < 0) {
-        const int error = errno;
         release(slot);
         fail(error, "cannot write in the folder \"" + folder.string() + "\"");
     }
     temporary_ = name;
     stream_ = ::fdopen(fd, "wb");
     if (!stream_) {
-        const int error = errno;
+        const int fdopen_error = errno;
         ::close(fd);
         discard();
-        fail(error, "cannot write in the folder \"" + folder.string() + "\"");
+        fail(fdopen_error, "cannot write in the folder \"" + folder.string() + "\"");
     }
 }
 

@@ -14,7 +14,8 @@ const char* kind_name(Kind kind)
     case Kind::Short: return "a number";
     case Kind::YesNo: return "a yes/no";
     case Kind::Date: return "a date";
-    case Kind::Text: return "a text";
+    case Kind::Text:
+    case Kind::BareText: return "a text";
     }
     return "a value";
 }
@@ -53,7 +54,8 @@ std::string shown(const platform::OldValue& value)
 FieldValue column_value(const platform::OldValue& value, Kind kind)
 {
     if (platform::is_null(value)) {
-        if (kind == Kind::Text) return {};
+        if (kind == Kind::Text) return std::string();
+        if (kind == Kind::BareText) return {};
         throw ValueRefused(std::string("Null where ") + kind_name(kind) + " must stand");
     }
     switch (kind) {
@@ -74,6 +76,7 @@ FieldValue column_value(const platform::OldValue& value, Kind kind)
             return Timestamp{d->year, d->month, d->day, d->hour, d->minute, d->second};
         throw ValueRefused(shown(value) + " where a date must stand");
     case Kind::Text:
+    case Kind::BareText:
         if (const auto* s = std::get_if<std::string>(&value)) return *s;
         if (const auto* d = std::get_if<platform::OldDateTime>(&value)) return platform::to_string(*d);
         if (const auto* b = std::get_if<bool>(&value)) return std::string(*b ? "True" : "False");

@@ -17,7 +17,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Null stays Null in a text column; any other kind needs a value.
+// Null becomes the empty text in a text column, as the old quoted statement stored it, and stays
+// Null in a bare text column; any other kind needs a value.
 FieldValue column_value(const platform::OldValue& value, Kind kind);
 
 // The value as a message shows it: texts in double quotes, Null as Null.

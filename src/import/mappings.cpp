@@ -92,7 +92,7 @@ std::vector<Column> linha(Line form)
         field("C_Escalao", K::Long, 4),      field("D_Quantidade", K::Long, 5),
         field("E_Velocidade", K::Text, 6),   field("F_Formato", K::Text, 7),
         from("G_Pre_Tratamento", K::Short, From::OneOrZero, 8), field("H_Descontos", K::Text, 9),
-        field("I_Servicos_Especiais", K::Text, 10), field("KM_Vexora", K::Text, 11),
+        field("I_Servicos_Especiais", K::BareText, 10), field("KM_Vexora", K::BareText, 11),
         field("K_Entrega_Sampling", K::Text, 12),   field("L_TaxEsp_Semana", K::Short, 13),
         field("M_TaxEsp_Quantidade", K::Short, 14), field("N_Ambito_Distrib", K::Text, 15),
         from("LinhaContinuacao", K::Text, From::OneOrZero, 16)};

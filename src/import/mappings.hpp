@@ -6,8 +6,10 @@
 
 namespace nimbara::import {
 
-// What a target column takes, as the register types it.
-enum class Kind { Long, Short, Text, YesNo, Date };
+// What a target column takes, as the register types it. The old statements put a text between
+// quotes, so a Null became the empty text (`Text`), except the two texts of a line that were always
+// digits and went in bare (`BareText`): a Null there broke the old statement, and stays Null here.
+enum class Kind { Long, Short, Text, BareText, YesNo, Date };
 
 enum class From {
     Field,          // the source field

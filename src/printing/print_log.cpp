@@ -8,7 +8,7 @@
 #include <string>
 
 #include "foundation/run_time_errors.hpp"
-#include "foundation/component.hpp"
+#include "nimbara/GlobalFrameWork.hpp"
 
 namespace nimbara::printing {
 namespace {
@@ -25,11 +25,7 @@ std::string now_text()
 
 }  // namespace
 
-std::filesystem::path default_log_path()
-{
-    const auto& where = component_location();
-    return where.folder / (where.base_name + ".log");
-}
+std::filesystem::path default_log_path() { return GlobalFrameWork::DefaultPrintLog(); }
 
 std::int32_t GetLogSize(const std::filesystem::path& name)
 {
@@ -49,6 +45,12 @@ void append_log_line(const std::filesystem::path& log, std::string_view entry)
         std::error_code ec;
         std::filesystem::rename(log, old, ec);
         if (ec) throw std::runtime_error("cannot roll \"" + log.string() + "\" over to \"" + old.string() + "\": " + ec.message());
+    }
+    // The default log lives in the user's state folder, which may not exist yet.
+    if (const auto folder = log.parent_path(); !folder.empty() && log == default_log_path()) {
+        std::error_code ec;
+        std::filesystem::create_directories(folder, ec);
+        if (ec) throw std::runtime_error("cannot make the folder of \"" + log.string() + "\": " + ec.message());
     }
     std::ofstream out(log, std::ios::app | std::ios::binary);
     out << now_text() << '\t' << entry << '\n';

@@ -71,6 +71,8 @@ TEST(DbCommands, RefuseWhatTheyCannotOpenAndCreateNothing)
     struct Case { std::string args; std::string message; };
     const Case cases[] = {
         {"db refs produto --db sqlite:" + f("missing.db"), "does not exist"},
+        {"db delete 7 --db sqlite:" + f("missing.db"), "does not exist"},
+        {"db client delete 7 --db sqlite:" + f("missing.db"), "does not exist"},
         {"db params --db sqlite:" + f("junk.db"), "not a database"},
         {"db init --db sqlite:" + f("junk.db"), "not a database"},
         {"db refs zona --db guias.db", "malformed connection string"},

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <optional>
 #include <random>
 #include <set>
 #include <utility>
 
+#include "nimbara/Notifier.hpp"
 #include "nimbara/Schema.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
@@ -12,6 +16,7 @@
 #include "foundation/list_helpers.hpp"
 #include "nimbara/mdl_Biz.hpp"
 #include "support/per_check_twin.hpp"
+#include "support/temp_folder.hpp"
 #include "support/test_database.hpp"
 #include "support/validation_text.hpp"
 #include "validation/guia_rules.hpp"
@@ -133,15 +138,58 @@ TEST_P(TwinTest, GuiaRulesDifferFromTheCompiledOnes)
     }
 }
 
-TEST_P(TwinTest, WithoutADatabaseEveryAnswerIsTheGenericError)
+// Created as the old hosts create it, the validator opens the shared connection from the ini file
+// in the working directory; -100 is left for a real failure.
+TEST_P(TwinTest, CreatedWithoutADatabaseItOpensTheOneTheIniFileNames)
 {
-    const auto kept = std::exchange(gConn, nullptr);  // the shared connection stands in for a missing one
+    struct Quiet : Notifier {
+        int messages = 0;
+        void message(MessageIcon, std::string_view, std::string_view) override { ++messages; }
+        void busy(bool) override {}
+        void progress(int) override {}
+    } notes;
+    set_notifier(&notes);
+    nimbara::testing::TempFolder folder;
+    const auto previous = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    const auto kept = std::exchange(gConn, nullptr);
+
+    struct Case {
+        const char* what;
+        std::optional<std::string> conn;  // Conn of the ini file; no file when absent
+        std::string line, guia;           // the answers, or "raises" when creation raises
+        int messages;
+    };
+    const Case cases[] = {
+        {"the ini file names this database", scratch->conn(), "passes", "passes", 0},
+        {"no ini file", std::nullopt, "-100 Erro Genérico", "-100 Erro Genérico", 1},
+        {"the ini file names a store that cannot be opened", "sqlite:" + (folder.path() / "none.db").string(),
+         "raises", "raises", 0},
+    };
+    for (const auto& c : cases) {
+        std::filesystem::remove("Zartel_Nimbara.Ini");
+        if (c.conn) std::ofstream("Zartel_Nimbara.Ini") << "[Nimbarauto]\nConn=" << *c.conn << "\n";
+        gConn.reset();
+        notes.messages = 0;
+        try {
+            cls_ValProdutos created;
+            EXPECT_EQ(show(created.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), c.line) << c.what;
+            EXPECT_EQ(show(created.DoValidaGuia(1)), c.guia) << c.what;
+        } catch (const ConnectionError& e) {
+            EXPECT_EQ(c.line, "raises") << c.what << ": " << e.what();
+            EXPECT_NE(std::string(e.what()).find("none.db"), std::string::npos) << e.what();
+        }
+        EXPECT_EQ(notes.messages, c.messages) << c.what;
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "none.db")) << "opening never creates a store";
+
+    std::filesystem::remove("Zartel_Nimbara.Ini");
+    gConn = db;  // a host may still hand the shared connection over itself
     cls_ValProdutos none;
-    EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "-100 Erro Genérico");
-    EXPECT_EQ(show(none.DoValidaGuia(1)), "-100 Erro Genérico");
-    gConn = db;
     EXPECT_EQ(show(none.DoValidaProduto("C01", "01", 20, "0", "01", true, "0", "0", {})), "passes");
     gConn = kept;
+    std::filesystem::current_path(previous);
+    set_notifier(nullptr);
 }
 
 // Stations share the database, not the working table: each connection's sum covers the Guias it

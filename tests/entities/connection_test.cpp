@@ -3,10 +3,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <thread>
 #include <vector>
 
 #include "nimbara/Notifier.hpp"
+#include "nimbara/cls_Cliente.hpp"
+#include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Parametro.hpp"
 #include "nimbara/cls_Ref.hpp"
 #include "nimbara/mdl_Biz.hpp"
@@ -128,4 +131,50 @@ TEST_F(ConnectionTest, WithoutAConnectionTheFirstOperationFails)
     }
     EXPECT_FALSE(std::filesystem::exists("missing.db"));
     EXPECT_THROW(OpenConnection(), DatabaseError) << "without an argument the failure goes to the caller";
+}
+
+// A write the old component could not even roll back (there was no connection) reached the host as
+// an error; the writes that otherwise answer 0 keep that road, with a type a host can catch.
+TEST_F(ConnectionTest, AWriteWithoutAConnectionRaisesToTheHost)
+{
+    write_ini("[Nimbarauto]\nConn=sqlite:missing.db\n");
+    cls_Guia_Cabecalho guia;
+    cls_Guia_Linha linha;
+    cls_Guia_SEspecial servico;
+    cls_Cliente cliente;
+    cls_Contrato contrato;
+    ASSERT_FALSE(guia.myConn) << "the store named cannot be opened";
+    cls_Guia_Cabecalho without(nullptr);  // a host's object that was handed no connection
+    without.AddLinha(1, "01", "C01", 20, 10, "0", "01", "0", "0", "0", 0, 0, "0", without.vCodContrato, "", "", "");
+
+    struct Case {
+        const char* what;
+        std::function<void()> write;
+        std::function<const std::string&()> last_error;
+    };
+    const Case cases[] = {
+        {"Guia DoSave", [&] { guia.DoSave(); }, [&]() -> auto& { return guia.LastError(); }},
+        {"Guia DoDelete", [&] { guia.DoDelete(); }, [&]() -> auto& { return guia.LastError(); }},
+        {"Guia DoInsertValTemp", [&] { without.DoInsertValTemp(); }, [&]() -> auto& { return without.LastError(); }},
+        {"Guia DoRemoveValTemp", [&] { guia.DoRemoveValTemp(); }, [&]() -> auto& { return guia.LastError(); }},
+        {"Guia DoSaveNumerada", [&] { (void)without.DoSaveNumerada(); }, [&]() -> auto& { return without.LastError(); }},
+        {"line DoSave", [&] { linha.DoSave(); }, [&]() -> auto& { return linha.LastError(); }},
+        {"line DoDelete", [&] { linha.DoDelete(); }, [&]() -> auto& { return linha.LastError(); }},
+        {"service DoSave", [&] { servico.DoSave(); }, [&]() -> auto& { return servico.LastError(); }},
+        {"service DoDelete", [&] { servico.DoDelete(); }, [&]() -> auto& { return servico.LastError(); }},
+        {"client DoSave", [&] { cliente.DoSave(); }, [&]() -> auto& { return cliente.LastError(); }},
+        {"client DoDelete", [&] { cliente.DoDelete(); }, [&]() -> auto& { return cliente.LastError(); }},
+        {"contract DoSave", [&] { contrato.DoSave(); }, [&]() -> auto& { return contrato.LastError(); }},
+        {"contract DoDelete", [&] { contrato.DoDelete(); }, [&]() -> auto& { return contrato.LastError(); }},
+    };
+    for (const auto& c : cases) {
+        try {
+            c.write();
+            ADD_FAILURE() << c.what << " returned normally";
+        } catch (const ConnectionError& e) {
+            EXPECT_NE(std::string(e.what()).find("no connection to the database"), std::string::npos) << c.what;
+            EXPECT_EQ(c.last_error(), e.what()) << c.what << ": LastError() knows it too";
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists("missing.db"));
 }

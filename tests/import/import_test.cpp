@@ -150,6 +150,9 @@ void ImportTest::expect_rows_as_source(const Case& c, const json& source)
                     want = "<Null>";  // the contracts' statement never named it
                 else if (same_name(column, "G_Pre_Tratamento") || same_name(column, "LinhaContinuacao"))
                     want = row[at - names.begin()].get<bool>() ? "1" : "0";
+                else if (at != names.end() && row[at - names.begin()].is_null() &&
+                         !same_name(column, "I_Servicos_Especiais") && !same_name(column, "KM_Vexora"))
+                    want = "";  // the old statement put a text between quotes: Null became the empty text
                 else if (at != names.end())
                     want = expected_text(row[at - names.begin()]);
                 else if (same_name(column, "iAcessoRede"))

@@ -121,7 +121,7 @@ void register_db_print(CLI::App& db, int& status)
     cmd->add_option("--out-dir", o->out_dir, "Folder of the printed PDFs, created if missing (default: the current "
                                              "folder)");
     cmd->add_option("--print-log", o->print_log,
-                    "The print log (default: nimbara.log beside the program, or $XDG_STATE_HOME/nimbara/nimbara.log)");
+                    "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->add_flag("-q,--quiet", o->quiet, "Do not name the printed files");
     add_db_option(*cmd, o->conn);
     cmd->footer("Files are named Guia_<year>-<yearly number>_via<copy>.pdf; a taken name gains -2, -3...\nExit "

@@ -60,7 +60,7 @@ void register_print(CLI::App& app, int& status)
                     "Print every copy of every Guia that passes into this one PDF, as one print job (for batches); "
                     "a taken name gains -2, -3...");
     cmd->add_option("--print-log", run->guia.print_log,
-                    "The print log (default: nimbara.log beside the program, or $XDG_STATE_HOME/nimbara/nimbara.log)");
+                    "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->footer("Exit status: the worst of the Guias: 0 printed, 1 a line or the Guia failed (see the report), 2 bad "
                 "input or an output place refused, 3 validated but not printed whole (the field and line are named).\n"
                 "Examples:\n  nimbara print examples/valid-guia.json --out-dir printed\n"

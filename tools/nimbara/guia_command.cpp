@@ -10,6 +10,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "nimbara/GlobalFrameWork.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
 
@@ -165,13 +166,8 @@ fs::path usable_folder(const std::string& what, const fs::path& folder)
 
 fs::path default_print_log()
 {
-    std::error_code ec;
-    const auto program = fs::read_symlink("/proc/self/exe", ec);
-    if (!ec && ::access(program.parent_path().c_str(), W_OK) == 0) return program.parent_path() / "nimbara.log";
-    const char* state = std::getenv("XDG_STATE_HOME");
-    const char* home = std::getenv("HOME");
-    const fs::path base = state && *state ? fs::path(state) : fs::path(home ? home : ".") / ".local" / "state";
-    return usable_folder("print log folder", base / "nimbara") / "nimbara.log";
+    const fs::path log = GlobalFrameWork::DefaultPrintLog();
+    return usable_folder("print log folder", log.parent_path()) / log.filename();
 }
 
 void add_guia_options(CLI::App& cmd, GuiaRun& r, bool many)

@@ -19,7 +19,7 @@ struct GuiaRun {
     std::string file;                       // the one in hand
     std::optional<std::string> report_dir;  // the current folder when not given
     std::optional<std::string> out_dir;     // where printed copies go; the report folder when not given
-    std::optional<std::string> print_log;   // beside the program, or under $XDG_STATE_HOME/nimbara
+    std::optional<std::string> print_log;   // under $XDG_STATE_HOME/nimbara when not given
     bool only_printer = false;
     bool printing = true;
     bool json = false;
@@ -33,8 +33,7 @@ struct GuiaRun {
 // refused with std::runtime_error naming `what` and the place.
 std::filesystem::path usable_folder(const std::string& what, const std::filesystem::path& folder);
 
-// The print log: nimbara.log beside the program when its folder can be written (as the component
-// always logged), otherwise in the user's state folder.
+// The print log: nimbara.log in the user's state folder (the library's default), its folder made.
 std::filesystem::path default_print_log();
 
 // The options both commands take; `many` lets the command take several Guia files.
