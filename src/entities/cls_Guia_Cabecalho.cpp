@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "entities/connection.hpp"
-#include "entities/working_table.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/working_table.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
