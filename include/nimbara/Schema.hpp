@@ -2,7 +2,9 @@
 // Creating the database of the component: every table of the register, the view the printing
 // reads, keys and indexes, seeded with the reference lists, the rule tables and the factory barcode
 // settings from the compiled-in catalogue.
+#include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include "nimbara/Database.hpp"
 #include "nimbara/export.hpp"
@@ -18,8 +20,33 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The database holds tables of another program, and was not told to take ours beside them.
+class NIMBARA_API ForeignTablesError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The database is not this program's: it has no schema_version row.
+class NIMBARA_API NotGuiaDatabaseError : public DatabaseError {
+public:
+    using DatabaseError::DatabaseError;
+};
+
+// Where CreateSchema may build: only in an empty database, or beside another program's tables.
+enum class SchemaPlace { EmptyOnly, IntoExisting };
+
 // Creates and seeds everything in one transaction, so that a failure leaves the database as it was.
-// Refuses with SchemaExistsError, changing nothing, when any of the tables is there already.
-NIMBARA_API void CreateSchema(Database& db);
+// Refuses with SchemaExistsError, changing nothing, when any of the tables is there already, and with
+// ForeignTablesError when other tables are there, unless `place` is IntoExisting.
+NIMBARA_API void CreateSchema(Database& db, SchemaPlace place = SchemaPlace::EmptyOnly);
+
+// Whether the database is this program's: it holds the schema_version row that CreateSchema writes.
+// Only reads.
+NIMBARA_API bool IsGuiaDatabase(Database& db);
+
+// OpenDatabase for a database of this program: any other (a foreign or empty file, a server
+// database without our tables) is refused with NotGuiaDatabaseError "WHERE: not a Guia database: run
+// nimbara db init", before anything in it is written or its journal mode changed.
+NIMBARA_API std::shared_ptr<Database> OpenGuiaDatabase(std::string_view conn);
 
 }  // namespace nimbara

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "foundation/text.hpp"
+#include "foundation/utf8.hpp"
 #include "platform/json_document.hpp"
 
 namespace nimbara {
@@ -76,8 +77,19 @@ private:
     std::string source_;
 };
 
+// A value as JSON text; one that is not UTF-8 (stored before the values were checked) is named
+// rather than written as something else.
+std::string quoted_value(std::string_view value, const std::string& place)
+{
+    if (const auto at = chars::invalid_utf8_at(value))
+        throw GuiaFileError(place + ": not UTF-8 text (byte " + std::to_string(*at + 1) +
+                            "), which a Guia file cannot hold");
+    return platform::json_quote(value);
+}
+
 template <class Args, std::size_t N>
-void write_fields(std::string& out, const Args& args, const std::array<FieldName<Args>, N>& names)
+void write_fields(std::string& out, const Args& args, const std::array<FieldName<Args>, N>& names,
+                  const std::string& place)
 {
     out += '{';
     bool first = true;
@@ -86,18 +98,19 @@ void write_fields(std::string& out, const Args& args, const std::array<FieldName
         if (value.empty()) continue;
         if (!first) out += ", ";
         first = false;
-        out += platform::json_quote(n.name) + ": " + platform::json_quote(value);
+        out += platform::json_quote(n.name) + ": " + quoted_value(value, place + "/" + std::string(n.name));
     }
     out += '}';
 }
 
 template <class Args, std::size_t N>
-void write_rows(std::string& out, const std::vector<Args>& rows, const std::array<FieldName<Args>, N>& names)
+void write_rows(std::string& out, const std::vector<Args>& rows, const std::array<FieldName<Args>, N>& names,
+                const std::string& place)
 {
     out += '[';
     for (std::size_t i = 0; i < rows.size(); ++i) {
         out += i ? ",\n    " : "\n    ";
-        write_fields(out, rows[i], names);
+        write_fields(out, rows[i], names, place + "/" + std::to_string(i));
     }
     out += rows.empty() ? "]" : "\n  ]";
 }
@@ -148,13 +161,13 @@ GuiaFile read_guia_file(const std::filesystem::path& path)
 std::string write_guia_file(const GuiaFile& guia)
 {
     std::string out = "{\n  \"cabecalho\": ";
-    write_fields(out, guia.cabecalho, kCabecalhoFields);
+    write_fields(out, guia.cabecalho, kCabecalhoFields, "/cabecalho");
     out += ",\n  \"parametros\": ";
-    write_fields(out, guia.parametros, kParametrosFields);
+    write_fields(out, guia.parametros, kParametrosFields, "/parametros");
     out += ",\n  \"produtos\": ";
-    write_rows(out, guia.produtos, kProdutoFields);
+    write_rows(out, guia.produtos, kProdutoFields, "/produtos");
     out += ",\n  \"servicos\": ";
-    write_rows(out, guia.servicos, kServicoFields);
+    write_rows(out, guia.servicos, kServicoFields, "/servicos");
     out += "\n}\n";
     return out;
 }

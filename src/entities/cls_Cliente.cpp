@@ -1,5 +1,6 @@
 #include "entities/connection.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/stored_values.hpp"
 #include "nimbara/cls_Cliente.hpp"
 #include "nimbara/mdl_Biz.hpp"
 
@@ -26,18 +27,35 @@ void cls_Cliente::save()
 {
     Database& db = require(myConn);
     Transaction t(db);
-    if (vIsNew)
+    const std::string place = "client " + vCod_Cliente;
+    if (vIsNew) {
+        const std::vector<FieldValue> values = {iId_Cliente,  FieldValue(vCod_Cliente).integer(),
+                                                vNome,        iTipoCliente,
+                                                vMorada,      vLocalidade,
+                                                vCodPostal,   vDesigPostal,
+                                                vNIF.empty() ? std::string("0") : vNIF, vObservacoes,
+                                                iAcessoRede};
+        entities::check_row("Tbl_Cliente", place,
+                            {"Id_Cliente", "Cod_Cliente", "Nome", "iTipoCliente", "Morada", "Localidade", "Cod_Postal",
+                             "Desig_Postal", "NContribuinte", "Observacoes", "IAcessoRede"},
+                            values);
         db.execute("INSERT INTO Tbl_Cliente (Id_Cliente, Cod_Cliente, Nome, iTipoCliente, Morada, Localidade, "
                    "Cod_Postal, Desig_Postal, NContribuinte, Observacoes, IAcessoRede) "
                    "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                   {iId_Cliente, FieldValue(vCod_Cliente).integer(), vNome, iTipoCliente, vMorada, vLocalidade,
-                    vCodPostal, vDesigPostal, vNIF.empty() ? std::string("0") : vNIF, vObservacoes, iAcessoRede});
-    else
+                   values);
+    } else {
         // The client number is fixed at insert; an empty tax number stays empty here, unlike the insert.
+        const std::vector<FieldValue> values = {vNome,      iTipoCliente, vMorada, vLocalidade,           vCodPostal,
+                                                vDesigPostal, vNIF,       trimmed(vObservacoes), iAcessoRede,
+                                                iId_Cliente};
+        entities::check_row("Tbl_Cliente", place,
+                            {"Nome", "iTipoCliente", "Morada", "Localidade", "Cod_Postal", "Desig_Postal",
+                             "NContribuinte", "Observacoes", "IAcessoRede", "Id_Cliente"},
+                            values);
         db.execute("UPDATE Tbl_Cliente SET Nome = ?, iTipoCliente = ?, Morada = ?, Localidade = ?, Cod_Postal = ?, "
                    "Desig_Postal = ?, NContribuinte = ?, Observacoes = ?, IAcessoRede = ? WHERE Id_Cliente = ?",
-                   {vNome, iTipoCliente, vMorada, vLocalidade, vCodPostal, vDesigPostal, vNIF, trimmed(vObservacoes),
-                    iAcessoRede, iId_Cliente});
+                   values);
+    }
     for (std::size_t i = 1; i <= mColContrato.Count(); ++i) {
         cls_Contrato& c = mColContrato.Item(i);
         if (c.vToDelete)

@@ -1,5 +1,6 @@
 #include "entities/connection.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/stored_values.hpp"
 #include "nimbara/cls_Cliente.hpp"
 
 namespace nimbara {
@@ -30,23 +31,55 @@ void cls_Contrato::Config_Defaults(std::int16_t& Config_col, std::int16_t& Confi
     Config_tilde = rs[8].text();
 }
 
+namespace {
+
+// The contract's code as the column takes it: a code that is no number is refused by the gate
+// with its text, rather than by the conversion's bare "Type mismatch".
+FieldValue contract_code(const std::string& code)
+{
+    try {
+        return FieldValue(code).integer();
+    } catch (const std::exception&) {
+        return FieldValue(code);
+    }
+}
+
+std::string contract_place(std::int32_t client, const std::string& code)
+{
+    return "client Id " + std::to_string(client) + ", contract \"" + code + "\"";
+}
+
+}  // namespace
+
 void cls_Contrato::insert()
 {
     // A new contract is stored active and dated today, whatever the properties say.
+    const std::vector<FieldValue> values = {iId_Cliente,    contract_code(vCodContrato), vDesignacao,
+                                            vJppCredenciado, vCodCredencial,             vValidacao,
+                                            vDescricao,     true,                        entities::today()};
+    entities::check_row("Tbl_Contrato", contract_place(iId_Cliente, vCodContrato),
+                        {"Id_Cliente", "Cod_Contrato", "Designacao", "JPP_Credenciado", "Cod_Credencial", "Validacao",
+                         "Descricao", "bActivo", "dDataActividade"},
+                        values);
     require(myConn).execute("INSERT INTO Tbl_Contrato (Id_Cliente, Cod_Contrato, Designacao, JPP_Credenciado, "
                             "Cod_Credencial, Validacao, Descricao, bActivo, dDataActividade) "
                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                            {iId_Cliente, FieldValue(vCodContrato).integer(), vDesignacao, vJppCredenciado,
-                             vCodCredencial, vValidacao, vDescricao, true, entities::today()});
+                            values);
 }
 
 void cls_Contrato::update()
 {
+    const std::vector<FieldValue> values = {vDesignacao,     vJppCredenciado, vCodCredencial,
+                                            vValidacao,      vDescricao,      bActivo,
+                                            dDataActividade, contract_code(vCodContrato), iId_Cliente};
+    entities::check_row("Tbl_Contrato", contract_place(iId_Cliente, vCodContrato),
+                        {"Designacao", "JPP_Credenciado", "Cod_Credencial", "Validacao", "Descricao", "bActivo",
+                         "dDataActividade", "Cod_Contrato", "Id_Cliente"},
+                        values);
     require(myConn).execute("UPDATE Tbl_Contrato SET Designacao = ?, JPP_Credenciado = ?, Cod_Credencial = ?, "
                             "Validacao = ?, Descricao = ?, bActivo = ?, dDataActividade = ? "
                             "WHERE Cod_Contrato = ? AND Id_Cliente = ?",
-                            {vDesignacao, vJppCredenciado, vCodCredencial, vValidacao, vDescricao, bActivo,
-                             dDataActividade, FieldValue(vCodContrato).integer(), iId_Cliente});
+                            values);
 }
 
 void cls_Contrato::remove()

@@ -3,6 +3,7 @@
 
 #include "entities/connection.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/stored_values.hpp"
 #include "entities/working_table.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
@@ -12,7 +13,10 @@ using entities::require;
 
 namespace {
 
-std::int32_t whole(const std::string& text) { return static_cast<std::int32_t>(FieldValue(text).integer()); }
+// A number held as text, whole: the gate judges its width before it is stored.
+std::int64_t whole(const std::string& text) { return FieldValue(text).integer(); }
+
+std::string guia_place(std::int32_t n_req) { return "Guia " + std::to_string(n_req); }
 
 }  // namespace
 
@@ -30,6 +34,11 @@ void cls_Guia_Cabecalho::insert(bool with_third_party)
                                       vPagamento, vCredenciado, vNCredencial, vRecolhido, vSituacao, vFicheiro,
                                       vObservacoes, vNReq2, vNIDReqAnual, vNCompromisso};
     if (with_third_party) values.emplace_back(vCodTerceiro);
+    entities::check_row("Tbl_Cab", guia_place(vNReq),
+                        {"N_Req", "Id_Cliente", "Cod_Cliente", "Cod_Contrato", "D_Req", "Pagamento", "Credenciado",
+                         "N_Credencial", "Recolhido", "Situacao", "Ficheiro", "Observacoes", "N_Req2", "Id_Req_Anual",
+                         "nCompromisso", "CodigoTerceiro"},
+                        values);
     require(myConn).execute_queued(
         "INSERT INTO Tbl_Cab (N_Req, Id_Cliente, Cod_Cliente, Cod_Contrato, D_Req, Pagamento, Credenciado, "
         "N_Credencial, Recolhido, Situacao, Ficheiro, Observacoes, N_Req2, Id_Req_Anual, nCompromisso" + third +
@@ -40,12 +49,19 @@ void cls_Guia_Cabecalho::insert(bool with_third_party)
 void cls_Guia_Cabecalho::update()
 {
     // The running numbers are fixed at insert, and the state is never changed here.
+    const std::vector<FieldValue> values = {iId_Cliente, whole(vCodCliente), whole(vCodContrato), vCodTerceiro,
+                                            vDReq,       vPagamento,         vCredenciado,        vNCredencial,
+                                            vRecolhido,  vFicheiro,          vObservacoes,        vNCompromisso,
+                                            vNReq};
+    entities::check_row("Tbl_Cab", guia_place(vNReq),
+                        {"Id_Cliente", "Cod_Cliente", "Cod_Contrato", "CodigoTerceiro", "D_Req", "Pagamento",
+                         "Credenciado", "N_Credencial", "Recolhido", "Ficheiro", "Observacoes", "nCompromisso", "N_Req"},
+                        values);
     require(myConn).execute_queued(
         "UPDATE Tbl_Cab SET Id_Cliente = ?, Cod_Cliente = ?, Cod_Contrato = ?, CodigoTerceiro = ?, D_Req = ?, "
         "Pagamento = ?, Credenciado = ?, N_Credencial = ?, Recolhido = ?, Ficheiro = ?, Observacoes = ?, "
         "nCompromisso = ? WHERE N_Req = ?",
-        {iId_Cliente, whole(vCodCliente), whole(vCodContrato), vCodTerceiro, vDReq, vPagamento, vCredenciado,
-         vNCredencial, vRecolhido, vFicheiro, vObservacoes, vNCompromisso, vNReq});
+        values);
 }
 
 void cls_Guia_Cabecalho::save_lines(bool fresh_number)

@@ -3,6 +3,7 @@
 
 #include "entities/connection.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/stored_values.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
@@ -48,6 +49,18 @@ void cls_Guia_Linha::save(bool fresh_number)
         vF_Formato,        vG_Pre_Tratamento, vH_Descontos,       vK_Entrega_Sampling,  vL_TaxEsp_Semana,
         vM_TaxaEsp_Quantidade, vN_Ambito_Distrib, vCodigo_Campanha, vO_Divisao_Remetente, ContentCode(),
         vRefCli};
+    {
+        std::vector<FieldValue> row = {vNReq, vNLinha};
+        row.insert(row.end(), values.begin(), values.end());
+        std::vector<std::string_view> names = {"N_Req", "N_Linha"};
+        for (std::string_view columns = kLineColumns; !columns.empty();) {
+            const auto comma = columns.find(", ");
+            names.push_back(columns.substr(0, comma));
+            columns = comma == std::string_view::npos ? std::string_view() : columns.substr(comma + 2);
+        }
+        entities::check_row("Tbl_Linha", "Guia " + std::to_string(vNReq) + ", line " + std::to_string(vNLinha), names,
+                            row);
+    }
     if (vIsNew) {
         // An insert replaces a stored row of the same number; that row's services stay.
         if (!fresh_number) db.execute_queued("DELETE FROM Tbl_Linha WHERE N_Req = ? AND N_Linha = ?", {vNReq, vNLinha});

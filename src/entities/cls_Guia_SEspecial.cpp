@@ -1,5 +1,6 @@
 #include "entities/connection.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/stored_values.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 
 namespace nimbara {
@@ -12,6 +13,11 @@ cls_Guia_SEspecial::cls_Guia_SEspecial(std::shared_ptr<Database> db) : myConn(st
 
 void cls_Guia_SEspecial::save()
 {
+    const FieldValue row[] = {vNReq, vNLinha, vCodigoServicoEspecial, vValor};
+    entities::check_row("Tbl_Linha_ServicoEspecial",
+                        "Guia " + std::to_string(vNReq) + ", line " + std::to_string(vNLinha) + ", service " +
+                            vCodigoServicoEspecial,
+                        {"N_Req", "N_Linha", "CodigoServicoEspecial", "Valor"}, row);
     if (vIsNew)
         require(myConn).execute_queued(
             "INSERT INTO Tbl_Linha_ServicoEspecial (N_Req, N_Linha, CodigoServicoEspecial, Valor) VALUES (?, ?, ?, ?)",

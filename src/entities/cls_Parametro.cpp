@@ -4,6 +4,7 @@
 
 #include "entities/connection.hpp"
 #include "entities/schema_tables.hpp"
+#include "entities/stored_values.hpp"
 
 namespace nimbara {
 namespace {
@@ -91,6 +92,11 @@ bool cls_Parametro::Validate() const
 void cls_Parametro::DoSave()
 {
     if (!Validate()) return;
+    std::vector<FieldValue> values;
+    for (const std::string* p : Properties()) values.emplace_back(*p);
+    const auto columns = ColumnNames();
+    const std::vector<std::string_view> names(columns.begin(), columns.end());
+    entities::check_row("Tbl_Parametro", "the print settings", names, values);
     Recordset rs;
     SelectAll(rs);
     if (rs.IsBOF() && rs.IsEOF())

@@ -4,6 +4,7 @@
 
 #include "foundation/ini_file.hpp"
 #include "nimbara/Notifier.hpp"
+#include "nimbara/Schema.hpp"
 #include "nimbara/mdl_Biz.hpp"
 
 namespace nimbara {
@@ -41,7 +42,8 @@ std::shared_ptr<Database> SharedConnection(const std::string& conn)
 {
     thread_local std::map<std::string, std::weak_ptr<Database>> open;
     if (auto db = open[conn].lock()) return db;
-    auto db = OpenDatabase(conn);
+    // Recognised before anything is written: a foreign file stays as it was.
+    auto db = OpenGuiaDatabase(conn);
     open[conn] = db;
     return db;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <span>
+#include <strings.h>
 #include <stdexcept>
 #include <string_view>
 
@@ -183,7 +184,50 @@ std::string create_table(const Table& t, StoreKind kind)
     return sql + (t.clustered && kind == StoreKind::SQLite ? ") WITHOUT ROWID" : ")");
 }
 
+bool same_name(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+// The declared type read back: the register's few spellings above.
+ColumnType type_of(std::string_view declared)
+{
+    using Kind = ColumnType::Kind;
+    if (declared == kLong) return {Kind::Long};
+    if (declared == kShort) return {Kind::Short};
+    if (declared == kYesNo) return {Kind::YesNo};
+    if (declared == kDate) return {Kind::Date};
+    std::size_t width = 0;
+    if (declared.starts_with("VARCHAR("))
+        for (char c : declared.substr(8)) {
+            if (c < '0' || c > '9') break;
+            width = width * 10 + static_cast<std::size_t>(c - '0');
+        }
+    return {Kind::Text, width};
+}
+
 }  // namespace
+
+std::optional<ColumnType> column_type(std::string_view table, std::string_view column)
+{
+    for (const auto& t : tables()) {
+        if (!same_name(t.name, table)) continue;
+        for (const auto& c : t.columns) {
+            if (!same_name(c.name, column)) continue;
+            ColumnType type = type_of(c.type);
+            for (std::string_view keys = t.key ? t.key : ""; !keys.empty();) {
+                const auto comma = keys.find(',');
+                std::string_view name = keys.substr(0, comma);
+                while (name.starts_with(' ')) name.remove_prefix(1);
+                type.in_key = type.in_key || same_name(name, column);
+                keys = comma == std::string_view::npos ? std::string_view() : keys.substr(comma + 1);
+            }
+            return type;
+        }
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
 
 std::vector<std::string> schema_statements(const Database& db)
 {

@@ -1,6 +1,8 @@
 #pragma once
 // The register of tables as statements, and the rows the new database starts with.
+#include <cstddef>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +37,19 @@ std::string spelled_columns(std::string_view table, std::string_view qualifier =
 
 // The names of the tables the statements create; a database holding any of them has the schema.
 const std::vector<std::string>& schema_table_names();
+
+// What a column of the register holds: its kind and, for a text, its width in characters (0 for a
+// memo, which has none).
+struct ColumnType {
+    enum class Kind { Long, Short, Text, YesNo, Date };
+    Kind kind;
+    std::size_t width = 0;
+    bool in_key = false;  // part of the table's primary key
+};
+
+// The type of `column` of `table`, names compared without regard to case; nothing for a column the
+// register does not have.
+std::optional<ColumnType> column_type(std::string_view table, std::string_view column);
 
 // Fills the reference lists, the rule tables, TAB_CONFIG, schema_version and the rule counter.
 void seed_schema(Database& db);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "entities/stored_values.hpp"
 #include "import/column_values.hpp"
 #include "import/integrity.hpp"
 
@@ -34,6 +35,7 @@ public:
         : table_(table), names_(reader.column_names()), target_(target), numbering_(numbering),
           sql_(insert_statement(table)), values_(table.columns.size())
     {
+        for (const auto& c : table.columns) columns_.emplace_back(c.name);
         for (const auto& c : table.columns)
             for (int f : {c.field, c.field2})
                 if (f >= static_cast<int>(names_.size()))
@@ -53,6 +55,12 @@ public:
             } catch (const std::exception& e) {
                 throw CopyFailed(where(row) + ", column " + c.name + source_name(c) + ": " + e.what());
             }
+        }
+        // Through the gate every store shares, so that nothing is stored that the program cannot read back.
+        try {
+            entities::check_row(table_.target, where(row), columns_, values_);
+        } catch (const entities::StoredValueRefused& e) {
+            throw CopyFailed(e.what());
         }
         // Sent with the rows that follow on a server; a failure names its own row when it shows.
         try {
@@ -136,6 +144,7 @@ private:
     Numbering& numbering_;
     std::string sql_;
     std::vector<FieldValue> values_;
+    std::vector<std::string_view> columns_;
 };
 
 // Tables whose numbering needs the old ORDER BY (in the kept versions only) are read whole and sorted

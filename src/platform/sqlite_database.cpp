@@ -259,15 +259,30 @@ std::shared_ptr<Database> open_sqlite(const std::filesystem::path& file, OpenMod
     sqlite3_extended_result_codes(raw, 0);
     // Reading the schema is where a file that is no SQLite database shows itself. Pages are read
     // through a mapping of the file rather than copied into a cache of this connection's own, which
-    // halves the time of a long listing.
-    char* message = nullptr;
-    if (sqlite3_exec(raw, "SELECT count(*) FROM sqlite_master; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
-                     "PRAGMA mmap_size=268435456;",
-                     nullptr, nullptr, &message) != SQLITE_OK) {
+    // halves the time of a long listing. None of this writes to the file.
+    const auto run = [&](const char* sql, int (*each)(void*, int, char**, char**), void* into) {
+        char* message = nullptr;
+        if (sqlite3_exec(raw, sql, each, into, &message) == SQLITE_OK) return;
         std::string why = message ? message : sqlite3_errmsg(raw);
         sqlite3_free(message);
         throw DatabaseError("cannot use " + name + ": " + why);
-    }
+    };
+    run("PRAGMA synchronous=NORMAL; PRAGMA mmap_size=268435456;", nullptr, nullptr);
+    struct Seen {
+        int tables = 0;
+        bool ours = false;
+    } seen;
+    run("SELECT lower(name) FROM sqlite_master WHERE type IN ('table', 'view')",
+        [](void* into, int, char** value, char**) {
+            auto& s = *static_cast<Seen*>(into);
+            ++s.tables;
+            s.ours = s.ours || (value[0] && std::string_view(value[0]) == "schema_version");
+            return 0;
+        },
+        &seen);
+    // The WAL journal is written into the file: only a database of ours takes it, or an empty one
+    // that is about to become ours. Any other file is left exactly as it was.
+    if (seen.ours || (mode == OpenMode::Create && seen.tables == 0)) run("PRAGMA journal_mode=WAL;", nullptr, nullptr);
     return std::make_shared<SqliteDatabase>(db.release());
 }
 

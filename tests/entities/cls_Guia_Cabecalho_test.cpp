@@ -96,7 +96,7 @@ TEST_P(GuiaTest, FlagsWalkTheLinesAndServices)
              h.RemoveLinha(static_cast<std::int16_t>(h.mColLinha.Count()));
          },
          2, 3},
-        {"a new service on a stored line", [](cls_Guia_Cabecalho& h) { h.mColLinha.Item(2).AddSEspecial("07", 1.5f); }, 2, 4},
+        {"a new service on a stored line", [](cls_Guia_Cabecalho& h) { h.mColLinha.Item(2).AddSEspecial("07", 175); }, 2, 4},
     };
     for (const auto& c : cases) {
         cls_Guia_Cabecalho h(db);
@@ -107,7 +107,7 @@ TEST_P(GuiaTest, FlagsWalkTheLinesAndServices)
         EXPECT_EQ(count("Tbl_Linha WHERE N_Req = 5"), c.lines) << c.what;
         EXPECT_EQ(count("Tbl_Linha_ServicoEspecial WHERE N_Req = 5"), c.services) << c.what;
     }
-    EXPECT_EQ(count("Tbl_Linha_ServicoEspecial WHERE Valor = '1.5'"), 1);
+    EXPECT_EQ(count("Tbl_Linha_ServicoEspecial WHERE Valor = '175'"), 1);
 
     // A new line over a stored one replaces its row and keeps its services.
     cls_Guia_Linha over(db);

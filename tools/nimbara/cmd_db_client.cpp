@@ -1,6 +1,9 @@
 // nimbara db client save CLIENT.json | show COD | list | delete COD: clients with their contracts.
 #include <nlohmann/json.hpp>
 
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -32,21 +35,30 @@ public:
     {
         if (!object.is_object()) throw CommandError(place_ + ": expected an object");
     }
+    // A number given where text stands keeps its digits as written, however large.
     void text(const char* key, std::string& into)
     {
         if (auto* v = take(key)) {
             if (v->is_string()) into = v->get<std::string>();
+            else if (v->is_number_unsigned()) into = std::to_string(v->get<std::uint64_t>());
             else if (v->is_number_integer()) into = std::to_string(v->get<std::int64_t>());
             else throw CommandError(place_ + "/" + key + ": expected text");
         }
     }
+    // Read without a wrap: a number beyond 64 bits with a sign is never taken for a small one.
     template <class T>
     void number(const char* key, T& into)
     {
         if (auto* v = take(key)) {
-            if (!v->is_number_integer() || v->get<std::int64_t>() < std::numeric_limits<T>::min() ||
-                v->get<std::int64_t>() > std::numeric_limits<T>::max())
-                throw CommandError(place_ + "/" + key + ": expected a whole number in range");
+            const bool in_range =
+                v->is_number_unsigned()
+                    ? v->get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<T>::max())
+                    : v->is_number_integer() && v->get<std::int64_t>() >= std::numeric_limits<T>::min() &&
+                          v->get<std::int64_t>() <= std::numeric_limits<T>::max();
+            if (!in_range)
+                throw CommandError(place_ + "/" + key + ": expected a whole number from " +
+                                   std::to_string(std::numeric_limits<T>::min()) + " to " +
+                                   std::to_string(std::numeric_limits<T>::max()) + ", found " + v->dump());
             into = static_cast<T>(v->get<std::int64_t>());
         }
     }
@@ -93,15 +105,42 @@ void require_whole(const std::string& text, const std::string& place)
     if (!digits) throw CommandError(place + ": \"" + text + "\" is no whole number");
 }
 
+// The client file's text; a folder, an unreadable or an over-long file is refused by name.
+std::string read_client_file(const std::string& path)
+{
+    constexpr std::size_t kMaxBytes = 16u << 20;
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) throw CommandError(path + ": is a folder, not a file");
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw CommandError(path + ": cannot open the file: " + std::strerror(errno));
+    std::string content;
+    char buffer[65536];
+    while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
+        content.append(buffer, static_cast<std::size_t>(in.gcount()));
+        if (content.size() > kMaxBytes) throw CommandError(path + ": larger than " + std::to_string(kMaxBytes) + " bytes");
+    }
+    if (in.bad()) throw CommandError(path + ": cannot read the file: " + std::strerror(errno));
+    return content;
+}
+
+// The parser's message without its identifier in brackets: "parse error at line 3, column 7: ...".
+std::string plain(const char* message)
+{
+    std::string_view m = message;
+    if (m.starts_with('[')) {
+        if (const auto close = m.find("] "); close != std::string_view::npos) m.remove_prefix(close + 2);
+    }
+    return std::string(m);
+}
+
 int save(const ClientOptions& o)
 {
-    std::ifstream in(o.file, std::ios::binary);
-    if (!in) throw CommandError(o.file + ": cannot open the file");
     ordered_json root;
     try {
-        root = ordered_json::parse(std::string(std::istreambuf_iterator<char>(in), {}));
-    } catch (const ordered_json::parse_error& e) {
-        throw CommandError(o.file + ": " + e.what());
+        root = ordered_json::parse(read_client_file(o.file));
+    } catch (const ordered_json::exception& e) {
+        // Malformed, cut short or not UTF-8: the parser names the line and column.
+        throw CommandError(o.file + ": " + plain(e.what()));
     }
     const auto db = open_command_database(o.conn);
     cls_Cliente c(db);
@@ -132,6 +171,8 @@ int save(const ClientOptions& o)
             cr.know({"vCodContrato", "vDesignacao", "vJppCredenciado", "vCodCredencial", "vValidacao", "vDescricao",
                      "bActivo"});
             cls_Contrato k(db);
+            if (!(*list)[i].is_object() || !(*list)[i].contains("vCodContrato"))
+                throw CommandError(place + ": vCodContrato is missing: a contract needs its code");
             cr.text("vCodContrato", k.vCodContrato);
             require_whole(k.vCodContrato, place + "/vCodContrato");
             if (!seen.insert(FieldValue(k.vCodContrato).integer()).second)
@@ -162,11 +203,11 @@ int save(const ClientOptions& o)
     // A new contract is stored active; the second save within the same transaction writes the
     // active mark the file gives.
     Transaction t(*db, TransactionMode::Numbering);
-    if (!c.DoSaveNumerado()) throw CommandError("nothing was stored: " + c.LastError());
+    if (!c.DoSaveNumerado()) throw CommandError(o.file + ": nothing was stored: " + c.LastError());
     c.vIsNew = false;
     for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) c.mColContrato.Item(j).vIsNew = false;
     c.DoSave();
-    if (!c.LastError().empty()) throw CommandError("nothing was stored: " + c.LastError());
+    if (!c.LastError().empty()) throw CommandError(o.file + ": nothing was stored: " + c.LastError());
     t.commit();
     std::cout << c.iId_Cliente << '\t' << c.vCod_Cliente << '\n';
     return 0;

@@ -4,8 +4,9 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/guia_file.hpp"
-#include "guia_record.hpp"
+#include "nimbara/guia_store.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -18,22 +19,15 @@ struct GuiaOptions {
 
 int save(const GuiaOptions& o)
 {
-    GuiaFile file;
-    try {
-        file = read_guia_file(o.file);
-    } catch (const GuiaFileError& e) {
-        throw CommandError(e.what());
-    }
-    const auto db = open_command_database(o.conn);
-    const auto guia = guia_from_file(file, o.file, db);
-    if (!guia->DoSaveNumerada()) throw CommandError("nothing was stored: " + guia->LastError());
-    std::cout << guia->vNReq << '\t' << guia->vNReq2 << '\t' << guia->vNIDReqAnual << '\n';
+    const GuiaFile file = read_guia_file(o.file);
+    const SavedGuia saved = save_guia_file(open_command_database(o.conn), file, o.file);
+    std::cout << saved.N_Req << '\t' << saved.N_Req2 << '\t' << saved.Id_Req_Anual << '\n';
     return 0;
 }
 
 int show(const GuiaOptions& o)
 {
-    std::cout << write_guia_file(file_from_guia(o.n_req, open_command_database(o.conn)));
+    std::cout << write_guia_file(load_guia_file(open_command_database(o.conn), o.n_req));
     return 0;
 }
 

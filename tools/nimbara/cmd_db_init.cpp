@@ -10,8 +10,14 @@
 namespace nimbara::cli {
 namespace {
 
-int init(const std::string& conn_option)
+struct InitOptions {
+    std::string conn;
+    bool into_existing = false;
+};
+
+int init(const InitOptions& o)
 {
+    const std::string& conn_option = o.conn;
     const std::string conn = command_connection(conn_option);
     // A file this command creates is removed again if the creation fails, so nothing half-made stays.
     const auto file = SqliteFileOf(conn);
@@ -19,7 +25,9 @@ int init(const std::string& conn_option)
     const bool fresh = file && !std::filesystem::exists(*file, ec);
     try {
         auto db = OpenDatabase(conn, OpenMode::Create);
-        CreateSchema(*db);
+        CreateSchema(*db, o.into_existing ? SchemaPlace::IntoExisting : SchemaPlace::EmptyOnly);
+    } catch (const ForeignTablesError& e) {
+        throw CommandError(std::string(e.what()) + " (give --into-existing to add the Guia tables beside them)");
     } catch (...) {
         if (fresh)
             for (const char* suffix : {"", "-wal", "-shm", "-journal"}) std::filesystem::remove(*file + suffix, ec);
@@ -34,9 +42,11 @@ int init(const std::string& conn_option)
 void register_db_init(CLI::App& db, int& status)
 {
     auto* cmd = db.add_subcommand("init", "Create the tables, the view and the seed rows in an empty database");
-    auto conn = std::make_shared<std::string>();
-    add_db_option(*cmd, *conn);
-    cmd->callback([conn, &status] { status = run_db_command("init", std::cerr, [&] { return init(*conn); }); });
+    auto o = std::make_shared<InitOptions>();
+    add_db_option(*cmd, o->conn);
+    cmd->add_flag("--into-existing", o->into_existing,
+                  "Add the Guia tables to a database that holds tables of another program");
+    cmd->callback([o, &status] { status = run_db_command("init", std::cerr, [&] { return init(*o); }); });
 }
 
 }  // namespace nimbara::cli

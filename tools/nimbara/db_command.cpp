@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "nimbara/Schema.hpp"
 #include "nimbara/mdl_Biz.hpp"
 
 namespace nimbara::cli {
@@ -22,9 +23,9 @@ std::string command_connection(const std::string& conn)
     return gConnString;
 }
 
-std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode)
+std::shared_ptr<Database> open_command_database(const std::string& conn)
 {
-    return OpenDatabase(command_connection(conn), mode);
+    return OpenGuiaDatabase(command_connection(conn));
 }
 
 int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body)

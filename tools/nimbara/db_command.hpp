@@ -25,8 +25,9 @@ void add_db_option(CLI::App& cmd, std::string& conn);
 // The connection string of --db, or Conn of the ini file when `conn` is empty.
 std::string command_connection(const std::string& conn);
 
-// The database of --db, or of the ini file when `conn` is empty.
-std::shared_ptr<Database> open_command_database(const std::string& conn, OpenMode mode = OpenMode::Existing);
+// The Guia database of --db, or of the ini file when `conn` is empty; any other database is refused
+// untouched ("not a Guia database").
+std::shared_ptr<Database> open_command_database(const std::string& conn);
 
 // Runs a db command's body: any failure is written as "nimbara db NAME: message" and gives 2.
 int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body);

@@ -1,4 +1,4 @@
-#include "guia_record.hpp"
+#include "nimbara/guia_store.hpp"
 
 #include <charconv>
 #include <cstdio>
@@ -6,12 +6,15 @@
 #include <map>
 #include <set>
 
-#include "db_command.hpp"
+#include "entities/stored_values.hpp"
 #include "nimbara/cls_Cliente.hpp"
+#include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Parametro.hpp"
 
-namespace nimbara::cli {
+namespace nimbara {
 namespace {
+
+[[noreturn]] void refuse(const std::string& where_and_why) { throw GuiaFileError(where_and_why); }
 
 // A whole number where the file gives one: an empty text is 0, anything else must be digits.
 template <class T>
@@ -22,7 +25,7 @@ T whole(const std::string& text, const std::string& place, bool required = false
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), v);
     if (text.empty() || ec != std::errc() || end != text.data() + text.size() || v < std::numeric_limits<T>::min() ||
         v > std::numeric_limits<T>::max())
-        throw CommandError(place + ": \"" + text + "\" is no whole number" +
+        refuse(place + ": \"" + text + "\" is no whole number" +
                            (sizeof(T) == 2 ? " from -32768 to 32767" : ""));
     return static_cast<T>(v);
 }
@@ -31,7 +34,7 @@ bool yes_no(const std::string& text, const std::string& place)
 {
     if (text.empty() || text == "0") return false;
     if (text == "1") return true;
-    throw CommandError(place + ": \"" + text + "\" is neither 0 nor 1");
+    refuse(place + ": \"" + text + "\" is neither 0 nor 1");
 }
 
 // The Julian form printed on the form: the last digit of the year and the day of the year.
@@ -45,12 +48,16 @@ std::string julian(const Timestamp& t)
     return buf;
 }
 
-}  // namespace
+// A value as its column will take it, through the gate every writer shares.
+void gate(const std::string& place, const char* table, const char* column, const FieldValue& value)
+{
+    if (const auto why = entities::refusal(table, column, value)) refuse(place + ": " + *why);
+}
 
-std::unique_ptr<cls_Guia_Cabecalho> guia_from_file(const GuiaFile& file, const std::string& file_name,
+std::unique_ptr<cls_Guia_Cabecalho> guia_from_file(const GuiaFile& file, std::string_view source,
                                                    const std::shared_ptr<Database>& db)
 {
-    const auto at = [&](const std::string& place) { return file_name + ": " + place; };
+    const auto at = [&](const std::string& place) { return std::string(source) + ": " + place; };
     const auto& h = file.cabecalho;
     const auto cab_place = [&](const char* name) { return at(std::string("/cabecalho/") + name); };
 
@@ -59,13 +66,13 @@ std::unique_ptr<cls_Guia_Cabecalho> guia_from_file(const GuiaFile& file, const s
     const auto cod_contrato = whole<std::int32_t>(h.cb_CodContrato, cab_place("cb_CodContrato"), true);
     cls_Cliente client(db);
     std::string number = std::to_string(cod_cliente);
-    if (!client.Busca_Cliente(number)) throw CommandError(cab_place("cb_CodCliente") + ": no client " + number);
+    if (!client.Busca_Cliente(number)) refuse(cab_place("cb_CodCliente") + ": no client " + number);
     client.SelectMeByCod_Cliente(cod_cliente);
     bool has_contract = false;
     for (std::size_t i = 1; i <= client.mColContrato.Count(); ++i)
         has_contract = has_contract || FieldValue(client.mColContrato.Item(i).vCodContrato).integer() == cod_contrato;
     if (!has_contract)
-        throw CommandError(cab_place("cb_CodContrato") + ": client " + number + " has no contract " +
+        refuse(cab_place("cb_CodContrato") + ": client " + number + " has no contract " +
                            std::to_string(cod_contrato));
 
     auto g = std::make_unique<cls_Guia_Cabecalho>(db);
@@ -82,16 +89,37 @@ std::unique_ptr<cls_Guia_Cabecalho> guia_from_file(const GuiaFile& file, const s
         try {
             g->vDReq = Timestamp::parse(h.cb_DataRequisicao);
         } catch (const std::invalid_argument& e) {
-            throw CommandError(cab_place("cb_DataRequisicao") + ": " + e.what() + " (expected YYYY-MM-DD)");
+            refuse(cab_place("cb_DataRequisicao") + ": " + e.what() + " (expected YYYY-MM-DD)");
         }
+        gate(cab_place("cb_DataRequisicao"), "Tbl_Cab", "D_Req", g->vDReq);
     }
+    gate(cab_place("cb_CodTerceiro"), "Tbl_Cab", "CodigoTerceiro", g->vCodTerceiro);
+    gate(cab_place("cb_Obs"), "Tbl_Cab", "Observacoes", g->vObservacoes);
+    gate(cab_place("cb_NCredencial"), "Tbl_Cab", "N_Credencial", g->vNCredencial);
+    gate(cab_place("cb_NCompromisso"), "Tbl_Cab", "nCompromisso", g->vNCompromisso);
 
     std::map<std::int16_t, cls_Guia_Linha*> lines;
     for (std::size_t i = 0; i < file.produtos.size(); ++i) {
         const auto& p = file.produtos[i];
         const auto place = [&](const char* name) { return at("/produtos/" + std::to_string(i) + "/" + name); };
         const auto n = whole<std::int16_t>(p.N_Linha, place("N_Linha"), true);
-        if (lines.count(n)) throw CommandError(place("N_Linha") + ": line " + std::to_string(n) + " is given twice");
+        if (lines.count(n)) refuse(place("N_Linha") + ": line " + std::to_string(n) + " is given twice");
+        struct Text {
+            const char* key;
+            const char* column;
+            const std::string& value;
+        };
+        const Text texts[] = {{"A_Zona_Taxacao", "A_Zona_Taxacao", p.A_Zona_Taxacao},
+                              {"B_Produto", "B_Produto", p.B_Produto},
+                              {"E_Velocidade", "E_Velocidade", p.E_Velocidade},
+                              {"Formato", "F_Formato", p.Formato},
+                              {"Desconto", "H_Descontos", p.Desconto},
+                              {"Entrega_Sampling", "K_Entrega_Sampling", p.Entrega_Sampling},
+                              {"CodAmbitoDist", "N_Ambito_Distrib", p.CodAmbitoDist},
+                              {"DivisaoRemetente", "O_Divisao_Remetente", p.DivisaoRemetente},
+                              {"CodigoCampanha", "CodigoCampanha", p.CodigoCampanha},
+                              {"refClie", "P_RefCliente", p.refClie}};
+        for (const auto& t : texts) gate(place(t.key), "Tbl_Linha", t.column, t.value);
         std::string divisao = p.DivisaoRemetente;
         whole<std::int16_t>(p.PreTratamento, place("PreTratamento"));
         lines[n] = &g->AddLinha(
@@ -107,12 +135,13 @@ std::unique_ptr<cls_Guia_Cabecalho> guia_from_file(const GuiaFile& file, const s
         const auto& s = file.servicos[i];
         const std::string place = at("/servicos/" + std::to_string(i));
         const auto n = whole<std::int16_t>(s.N_Linha, place + "/N_Linha", true);
-        if (!lines.count(n)) throw CommandError(place + "/N_Linha: no product line " + std::to_string(n));
+        if (!lines.count(n)) refuse(place + "/N_Linha: no product line " + std::to_string(n));
+        gate(place + "/CodServEsp", "Tbl_Linha_ServicoEspecial", "CodigoServicoEspecial", s.CodServEsp);
         if (!services.emplace(n, s.CodServEsp).second)
-            throw CommandError(place + "/CodServEsp: service " + s.CodServEsp + " is given twice on line " +
-                               std::to_string(n));
+            refuse(place + "/CodServEsp: service " + s.CodServEsp + " is given twice on line " + std::to_string(n));
         // The amount keeps its digits as written: the last two are the decimals.
         whole<std::int32_t>(s.Valor, place + "/Valor");
+        gate(place + "/Valor", "Tbl_Linha_ServicoEspecial", "Valor", s.Valor.empty() ? "0" : s.Valor);
         cls_Guia_Linha& line = *lines[n];
         line.AddSEspecial(s.CodServEsp, 0);
         line.mColSEspecial.Item(line.mColSEspecial.Count()).vValor = s.Valor.empty() ? "0" : s.Valor;
@@ -120,10 +149,19 @@ std::unique_ptr<cls_Guia_Cabecalho> guia_from_file(const GuiaFile& file, const s
     return g;
 }
 
-GuiaFile file_from_guia(std::int32_t n_req, const std::shared_ptr<Database>& db)
+}  // namespace
+
+SavedGuia save_guia_file(const std::shared_ptr<Database>& db, const GuiaFile& file, std::string_view source)
+{
+    const auto guia = guia_from_file(file, source, db);
+    if (!guia->DoSaveNumerada()) throw DatabaseError("nothing was stored: " + guia->LastError());
+    return {guia->vNReq, guia->vNReq2, guia->vNIDReqAnual};
+}
+
+GuiaFile load_guia_file(const std::shared_ptr<Database>& db, std::int32_t n_req)
 {
     if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {n_req}).RecordCount() == 0)
-        throw CommandError("no Guia with N_Req " + std::to_string(n_req));
+        throw GuiaNotStoredError("no Guia with N_Req " + std::to_string(n_req));
     cls_Guia_Cabecalho g(db);
     g.SelectMe(n_req);
     cls_Cliente client(db);
@@ -196,4 +234,4 @@ GuiaFile file_from_guia(std::int32_t n_req, const std::shared_ptr<Database>& db)
     return file;
 }
 
-}  // namespace nimbara::cli
+}  // namespace nimbara
