@@ -5,7 +5,9 @@
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "nimbara/guia_file.hpp"
+#include "guia_command.hpp"
 #include "guia_record.hpp"
+#include "nimbara/cls_Impressao.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -28,6 +30,12 @@ int save(const GuiaOptions& o)
     const auto guia = guia_from_file(file, o.file, db);
     if (!guia->DoSaveNumerada()) throw CommandError("nothing was stored: " + guia->LastError());
     std::cout << guia->vNReq << '\t' << guia->vNReq2 << '\t' << guia->vNIDReqAnual << '\n';
+    // Stored all the same: the site learns now rather than at the counter.
+    cls_Impressao printer(db);
+    printer.set_log_path(default_print_log());
+    for (const auto& p : printer.PrintProblems(guia->vNReq))
+        std::cerr << "nimbara db save: warning: Guia " << guia->vNReq << " will not print by the database edition: "
+                  << p.place << ": " << p.what << '\n';
     return 0;
 }
 
