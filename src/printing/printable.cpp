@@ -6,6 +6,7 @@
 
 #include "foundation/chars.hpp"
 #include "foundation/required_numbers.hpp"
+#include "foundation/run_time_errors.hpp"
 #include "foundation/text.hpp"
 #include "nimbara/cls_ParametroA.hpp"
 #include "printing/barcode_payload.hpp"
@@ -124,6 +125,7 @@ public:
 
     Where service(int index, std::string_view code, std::string_view column) const
     {
+        if (array()) return {line_name(index) + ", service " + std::string(code), "/servicos/*/CodServEsp"};
         return {line_name(index) + ", service " + std::string(code) + ": " + std::string(column),
                 "Tbl_Linha_ServicoEspecial." + std::string(column)};
     }
@@ -245,6 +247,27 @@ void check_service(Collector& c, const At& at, const serv::Table& services, int 
                [&] { text::require_cell_int32(services.at(serv::N_Linha, row)); });
 }
 
+// Lays the pages out as printing will, and names the line and service where the walk stops.
+void check_walk(Collector& c, const Places& at, const GuiaSource& source, Edition edition)
+{
+    const PagePlan plan = plan_pages(source, edition);
+    if (!plan.failure) return;
+    if (plan.failure_line && plan.failure_service && *plan.failure == description(RunTimeError::SubscriptOutOfRange)) {
+        const int line = *plan.failure_line;
+        const serv::Table services = source.services(line);
+        const std::string code(services.text(serv::CodServEsp, *plan.failure_service));
+        // The service walk's cells run out: the count of services with a value runs on across lines.
+        c.add(at.service(line, code, "CodigoServicoEspecial"),
+              "the form's service cells are full before this service: services with a value are counted on "
+              "from the lines before it until three services without a value fill a row, and ten fit",
+              "more than ten services counted into the form's service cells");
+        return;
+    }
+    const std::string place = plan.failure_line ? at.line_name(*plan.failure_line) : at.array() ? "/produtos" : "Tbl_Linha";
+    c.add({place, at.array() ? "/produtos" : "Tbl_Linha"}, "the pages cannot be laid out: " + *plan.failure,
+          "pages not laid out (" + *plan.failure + ")");
+}
+
 // The checks of both editions; `services` names the services by the array's rows when it is given.
 std::vector<PrintProblem> check(const GuiaSource& source, Edition edition, const serv::Table* all_services)
 {
@@ -284,11 +307,7 @@ std::vector<PrintProblem> check(const GuiaSource& source, Edition edition, const
                 *all_services, row);
 
     // What the fields alone do not show (a page walk that cannot be laid out) is found by laying it out.
-    if (c.problems.empty()) {
-        const PagePlan plan = plan_pages(source, edition);
-        const std::string place = at.array() ? "/produtos" : "Tbl_Linha";
-        if (plan.failure) c.add({place, place}, "the pages cannot be laid out: " + *plan.failure, "pages not laid out");
-    }
+    if (c.problems.empty()) check_walk(c, at, source, edition);
     return c.problems;
 }
 
