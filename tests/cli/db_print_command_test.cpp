@@ -188,3 +188,22 @@ TEST_P(DbPrintCommand, RefusedPrintsLeaveNoFile)
         for (const auto& entry : fs::directory_iterator(place))
             EXPECT_NE(entry.path().extension(), ".pdf") << entry.path();
 }
+
+// Settings never stored do not become zeros in a Guia file: the factory's stand in, and the file
+// prints by the headless road with a symbol that reads back.
+TEST_P(DbPrintCommand, ShowWritesSettingsThatPrintWhenNoneAreStored)
+{
+    nimbara::OpenDatabase(scratch->conn())->execute("DELETE FROM Tbl_Parametro");
+    const auto shown = program("show 1");
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    const auto file = nlohmann::json::parse(shown.out);
+    EXPECT_EQ(file["parametros"]["VCod2DFonteSize"], "3");
+    EXPECT_EQ(file["parametros"]["vCod2DNColunas"], "16");
+    EXPECT_EQ(file["parametros"]["vCod2DErroLevel"], "2");
+    const auto out = folder.path() / "shown";
+    const auto printed = nimbara::testing::run("print - --report-dir " + folder.path().string() + " --out-dir " +
+                                                   out.string() + " --print-log " + (folder.path() / "p.log").string(),
+                                               shown.out);
+    ASSERT_EQ(printed.status, 0) << printed.err;
+    EXPECT_EQ(nimbara::testing::symbol_of(out / "Guia_2026-1_via1.pdf", 1, folder.path()).substr(0, 8), "CR050315");
+}
