@@ -35,9 +35,9 @@ struct PrintOptions {
 };
 
 // Every cause, one a line, in the refusal.
-std::string refusal(std::int32_t n_req, const std::vector<PrintProblem>& problems)
+std::string refusal(std::int32_t n_req, const std::vector<PrintProblem>& problems, const std::string& how = "")
 {
-    std::string text = "Guia " + std::to_string(n_req) + " not printed:";
+    std::string text = "Guia " + std::to_string(n_req) + " not printed" + how + ":";
     for (const auto& p : problems) text += "\n  " + p.place + ": " + p.what;
     return text;
 }
@@ -73,7 +73,10 @@ int print_as_array(const PrintOptions& o, const std::shared_ptr<Database>& db)
     if (const auto refused = fill_guia(guia, file)) throw CommandError("Guia " + std::to_string(o.n_req) + ": " + *refused);
     std::vector<PrintProblem> problems;
     for (const auto& f : guia.PrintProblems()) problems.push_back({f.where, f.cause});
-    if (!problems.empty()) throw CommandError(refusal(o.n_req, problems));
+    if (!problems.empty())
+        throw CommandError(refusal(o.n_req, problems,
+                                   " by the array edition (the places are those of its Guia file: nimbara db show " +
+                                       std::to_string(o.n_req) + ")"));
     guia.setPrintFolder(output_folder(o.out_dir));
     guia.setPrintLog(o.print_log ? fs::path(*o.print_log) : default_print_log());
     const GuiaOutcome outcome = guia.ImprimeGuiaOutcome(true);
