@@ -23,6 +23,17 @@ namespace printing {
 class Page;
 }
 
+// Why a Guia would not print whole, found before printing: the place (a Guia file's key with its
+// row, or a stored Guia's column with its line number) and what is wrong there.
+struct PrintProblem {
+    std::string place;
+    std::string what;
+    // The cause without the Guia's own values or line (a column and the kind of fault), for those
+    // that count Guias by cause.
+    std::string cause;
+    friend bool operator==(const PrintProblem&, const PrintProblem&) = default;
+};
+
 // One millimetre of the page in twips, formed as the program always formed it.
 inline constexpr double kTwipsPerMm = 567.0 / 10.0;
 

@@ -98,6 +98,9 @@ public:
     virtual void PaintPicture(const Picture& picture, double x, double y) = 0;
     virtual void NewPage() = 0;
     virtual void EndDoc() = 0;
+    // The texts of the last finished job that needed faces beyond the standard ones (a surface that
+    // chooses its faces by the text tells them, so that the print log can); empty by default.
+    virtual std::vector<std::string> EmbeddedFacesAskedBy() const { return {}; }
 
     // Draws the dark modules black, each module_width x module_height twips, from the top-left (x, y).
     // By default as boxes (Line, flags 20, in the current fill and fore colour), one per run of dark

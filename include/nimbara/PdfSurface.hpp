@@ -39,13 +39,18 @@ public:
     // Every job goes to the sink instead of a file.
     explicit PdfSurface(DocumentSink sink);
 
-    // How a PDF carries its text. Standard (the default): the Times and Helvetica faces every reader
-    // has, with the widths of the Times New Roman and Arial the page is laid out in; nothing is
-    // embedded, so files are small and quick to make, and text is limited to the Western European
-    // characters. Embedded: the system's fonts for those names, embedded, for any character.
-    enum class Faces { Standard, Embedded };
+    // How a PDF carries its text. Standard: the Times and Helvetica faces every reader has, with the
+    // widths of the Times New Roman and Arial the page is laid out in; nothing is embedded, so files
+    // are small and quick to make, and a text beyond the Western European characters is refused.
+    // Embedded: the system's fonts for those names (metric-compatible, so the layout stays), embedded,
+    // for any character. Automatic (the default): the standard faces, until a text asks for more;
+    // the whole document is then written with embedded faces, its earlier pages included.
+    enum class Faces { Standard, Embedded, Automatic };
     // Applies from the next document on.
     void setFaces(Faces faces);
+    // The texts of the last finished job that the standard faces could not show, for which its
+    // document was written with embedded faces; empty when it needed none.
+    std::vector<std::string> EmbeddedFacesAskedBy() const override;
     ~PdfSurface() override;
     PdfSurface(const PdfSurface&) = delete;
     PdfSurface& operator=(const PdfSurface&) = delete;

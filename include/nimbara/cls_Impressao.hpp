@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "nimbara/Database.hpp"
 #include "nimbara/ImpressaoComum.hpp"
@@ -69,6 +70,11 @@ public:
     // The page's PDF417 symbol, encoded with the settings of Tbl_Parametro. A failure is logged and
     // the page goes on without it.
     void PrintCreatedPDF(PageSurface& impressora, const std::string& DataToEncode);
+
+    // What would keep the stored Guia varNReq from printing whole by this edition, with the
+    // settings of Tbl_Parametro: every field that printing converts or the symbol carries at a fixed
+    // width, named with its line. Empty when it prints. A Guia that is not there is one problem.
+    std::vector<PrintProblem> PrintProblems(std::int32_t varNReq);
 
     // ---- Page driver -----------------------------------------------------------------------------
 

@@ -38,7 +38,8 @@ public:
     void SelectAll(Recordset& rs);
 
     // Checks the values (ParametroError with the first fault, std::invalid_argument for a value that
-    // is no number), then inserts the row or rewrites every row there is.
+    // is no number), then every setting by the rules printing reads it with (ParametroError naming
+    // the setting: print_setting_problem), then inserts the row or rewrites every row there is.
     void DoSave();
 
     // The properties in column order, and the column names, for those that walk all twelve.

@@ -2,8 +2,10 @@
 // The twelve print and barcode settings of a headless Guia, taken from the parameter table that the
 // façade was filled with. No database: a new object holds empty texts until PreencheObjecto.
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "nimbara/guia_arrays.hpp"
 #include "nimbara/export.hpp"
@@ -17,6 +19,20 @@ public:
     explicit ParametroError(const std::string& description) : std::runtime_error(description) {}
     std::int32_t number() const { return kNumber; }
 };
+
+// Why printing cannot use a setting as it stands, in words after its value ("is not a whole number
+// from 0 to 30"), or nothing when it prints. Printing reads the twelve settings by these rules, and
+// a setting saved is judged by them too, so that what was accepted also prints. Margins are whole
+// twips (567 to 10 millimetres).
+NIMBARA_API std::optional<std::string> print_setting_problem(param::Field setting, std::string_view value);
+
+class cls_ParametroA;
+
+// The factory settings of a new database: 16 data columns and rows as the data need, error level 2,
+// mode 0, rows three modules high at font size 3 (0.25 mm modules), not truncated, no tilde
+// processing; one copy; margins that keep the form clear of the 5 mm border office printers cannot
+// print at the top and the left of the sheet.
+NIMBARA_API cls_ParametroA factory_print_settings();
 
 class NIMBARA_API cls_ParametroA {
 public:

@@ -45,7 +45,9 @@ struct GuiaOutcome {
     std::vector<LineError> line_errors;  // as the report lists them
     ValidationResult guia_error;         // a rule of the whole Guia, judged when every line passed
     std::optional<std::filesystem::path> report;  // the report file, when one was written
-    std::vector<std::filesystem::path> printed;   // the files the default printer finished, in order
+    // The files the default printer finished, in order; a run in which a copy did not come out whole
+    // leaves none (they are removed), as a partial Guia is no printed Guia.
+    std::vector<std::filesystem::path> printed;
     int copies = 0;                               // the copies the print run set out to make
     // What ended the call before its end; the answer is then the fixed failure answer.
     std::optional<Failure> failure;
@@ -161,6 +163,10 @@ public:
     // problem's place is the fill argument and its row ("/produtos/2/Escalao"). Printing does not
     // ask: a Guia with problems prints what it can and logs the rest, as it always did.
     [[nodiscard]] std::vector<Failure> PrintProblems() const;
+    // The header's day code (cb_Drqjul) against its date (cb_DataRequisicao): a message naming both
+    // when both are given and disagree, else nothing. A day code not given is computed from the date
+    // when the header is filled.
+    [[nodiscard]] std::optional<std::string> DayCodeConflict() const;
 
     // Does what ImprimeGuia does and tells what happened; ImprimeGuia's answer is built from it.
     [[nodiscard]] GuiaOutcome ImprimeGuiaOutcome(bool boolOnlyPrinter);

@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "entities/stored_values.hpp"
 #include "nimbara/cls_Cliente.hpp"
@@ -196,6 +197,23 @@ GuiaFile load_guia_file(const std::shared_ptr<Database>& db, std::int32_t n_req)
     h.cb_TipoAcesso = std::to_string(client.iAcessoRede);
 
     cls_Parametro parametros(db);
+    // Settings never stored would write zeros whose symbol no counter reads: the factory's stand in.
+    if (db->open("SELECT * FROM Tbl_Parametro").RecordCount() == 0) {
+        const cls_ParametroA factory = factory_print_settings();
+        for (const auto& [property, value] : {std::pair{&parametros.VCod2DFonteSize, &factory.VCod2DFonteSize},
+                                               {&parametros.vCod2DRatio, &factory.vCod2DRatio},
+                                               {&parametros.vCod2DNColunas, &factory.vCod2DNColunas},
+                                               {&parametros.vCod2DNLinhas, &factory.vCod2DNLinhas},
+                                               {&parametros.vCod2DErroLevel, &factory.vCod2DErroLevel},
+                                               {&parametros.vCod2DPDFMode, &factory.vCod2DPDFMode},
+                                               {&parametros.vCod2DTruncated, &factory.vCod2DTruncated},
+                                               {&parametros.vCod2DApplyTilde, &factory.vCod2DApplyTilde},
+                                               {&parametros.vGuiaNVias, &factory.vGuiaNVias},
+                                               {&parametros.vGuiaMargensTopo, &factory.vGuiaMargensTopo},
+                                               {&parametros.vGuiaMargensEsquerda, &factory.vGuiaMargensEsquerda},
+                                               {&parametros.vCodTerceiro, &factory.vCodTerceiro}})
+            *property = *value;
+    }
     const auto values = parametros.Properties();
     for (std::size_t i = 0; i < values.size() && i < kParametrosFields.size(); ++i)
         file.parametros.*(kParametrosFields[i].member) = *values[i];

@@ -1,5 +1,7 @@
 // Finishing a held Guia: validation, the report file, printing when all is well, and the answer.
+#include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <system_error>
 
 #include "document/validation_report.hpp"
@@ -88,10 +90,19 @@ GuiaOutcome cls_ValProdutosA::ImprimeGuiaOutcome(bool boolOnlyPrinter)
             std::int32_t DuplOrig = 0;
             // It empties the tables after its run.
             Imprime_Guias(*printer, form_impressao(), "", NReq, 0, DuplOrig, dtRequisicao, NDoc);
-            if (pdf_printer) outcome.printed = pdf_printer->written();
             outcome.copies = copies_asked_;
             outcome.print_failures = print_log_entries_;
             if (print_failure_) outcome.print_failures.push_back(print_failure_->where + ": " + print_failure_->cause);
+            if (pdf_printer) outcome.printed = pdf_printer->written();
+            // A copy with a fault is no printed Guia: none of the run's files stays behind it.
+            if (pdf_printer && (!outcome.print_failures.empty() ||
+                                outcome.printed.size() != static_cast<std::size_t>(std::max(outcome.copies, 0)))) {
+                for (const auto& pdf : outcome.printed) {
+                    std::error_code ignored;
+                    std::filesystem::remove(pdf, ignored);
+                }
+                outcome.printed.clear();
+            }
         }
     } catch (const std::exception& e) {
         outcome.failure = Failure{"ImprimeGuia", e.what()};

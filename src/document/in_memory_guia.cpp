@@ -4,6 +4,7 @@
 
 #include "foundation/text.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
+#include "printing/request_day.hpp"
 
 namespace nimbara {
 namespace {
@@ -67,6 +68,10 @@ std::int32_t cls_ValProdutosA::PreencheCabecalho(
                {cab::IDReqAnual, cb_IDReqAnual},
                {cab::NCompromisso, cb_NCompromisso},
                {cab::TipoAcesso, cb_TipoAcesso}});
+        // The symbol's day code follows from the date when the caller gives none, as the database
+        // road computes it.
+        if (!t.at(cab::Drqjul, 0))
+            if (const auto code = printing::day_code_of(t.text(cab::DataRequisicao, 0))) t.set(cab::Drqjul, 0, *code);
         last_error_.reset();
         return 0;
     } catch (const std::exception& e) {
@@ -200,6 +205,18 @@ cls_ValProdutosA::FillAnswer cls_ValProdutosA::PreencheParametros(const GuiaPara
     return PreencheParametros(f.VCod2DFonteSize, f.vCod2DRatio, f.vCod2DNColunas, f.vCod2DNLinhas, f.vCod2DErroLevel,
                               f.vCod2DPDFMode, f.VCod2DTruncatedRuncated, f.vCod2DApplyTilde, f.vGuiaNVias,
                               f.vGuiaMargensTopo, f.vGuiaMargensEsquerda, f.vCodTerceiro);
+}
+
+std::optional<std::string> cls_ValProdutosA::DayCodeConflict() const
+{
+    const auto& t = arrays_.arrCabecalho;
+    const Cell& given = t.at(cab::Drqjul, 0);
+    const std::string date(t.text(cab::DataRequisicao, 0));
+    if (!given || date.empty()) return std::nullopt;
+    const auto code = printing::day_code_of(date);
+    if (!code || *code == *given) return std::nullopt;
+    return "cb_Drqjul \"" + *given + "\" is not the day code of cb_DataRequisicao \"" + date + "\", which is \"" + *code +
+           "\"";
 }
 
 }  // namespace nimbara

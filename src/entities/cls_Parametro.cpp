@@ -86,7 +86,16 @@ bool cls_Parametro::Validate() const
     checked.vGuiaNVias = vGuiaNVias;
     checked.vCod2DNColunas = vCod2DNColunas;
     checked.vCod2DErroLevel = vCod2DErroLevel;
-    return checked.Validate();
+    if (!checked.Validate()) return false;
+    // What is saved must print: the rules printing reads the settings with judge them here too.
+    const std::array<const std::string*, kSettings> properties = {
+        &VCod2DFonteSize, &vCod2DRatio,     &vCod2DNColunas, &vCod2DNLinhas,    &vCod2DErroLevel,      &vCod2DPDFMode,
+        &vCod2DTruncated, &vCod2DApplyTilde, &vGuiaNVias,    &vGuiaMargensTopo, &vGuiaMargensEsquerda, &vCodTerceiro};
+    for (std::size_t i = 0; i < kSettings; ++i) {
+        const auto problem = print_setting_problem(static_cast<param::Field>(i), *properties[i]);
+        if (problem) throw ParametroError(std::string(PropertyNames()[i]) + ": \"" + *properties[i] + "\" " + *problem + ".");
+    }
+    return true;
 }
 
 void cls_Parametro::DoSave()

@@ -4,6 +4,7 @@
 
 #include "entities/schema_tables.hpp"
 #include "nimbara/Schema.hpp"
+#include "nimbara/cls_ParametroA.hpp"
 #include "rules/catalogue.hpp"
 
 namespace nimbara::entities {
@@ -48,11 +49,6 @@ constexpr RuleDimensionSeed kRuleDimensions[] = {
     {Dimension::Scope, "tbl_Val_AmbitoDist", "CodAmbitoDist", false},
     {Dimension::Service, "tbl_Val_ServicoE", "CodServicoE", false},
 };
-
-// The factory barcode settings: 16 data columns and rows as the data need, error level 2, plain
-// mode, rows three modules high ("PDF417c") at font size 3, which draws 0.25 mm modules: the common
-// minimum for counter scanners, in a symbol about 85 mm wide, right-aligned at 261 mm on the page.
-constexpr int kFactoryColumns = 16, kFactoryRows = 0, kFactoryErrorLevel = 2, kFactoryRatio = 1, kFactoryFontSize = 3;
 
 void seed_reference_lists(Database& db)
 {
@@ -100,9 +96,21 @@ void seed_schema(Database& db)
 {
     seed_reference_lists(db);
     seed_rules(db);
+    // The factory barcode settings, 0.25 mm modules (the common minimum for counter scanners) in a
+    // symbol about 85 mm wide; the print settings start from them, so that a new database prints.
+    const cls_ParametroA factory = factory_print_settings();
+    const auto whole = [](const std::string& text) { return FieldValue(std::stoi(text)); };
     db.execute("INSERT INTO TAB_CONFIG (config_id, NColunas, NLinhas, ErroLevel, PDFMode, Ratio, FonteSize, Truncated, "
-               "ApplyTilde) VALUES (1, ?, ?, ?, '0', ?, ?, '0', '0')",
-               {kFactoryColumns, kFactoryRows, kFactoryErrorLevel, kFactoryRatio, kFactoryFontSize});
+               "ApplyTilde) VALUES (1, ?, ?, ?, ?, ?, ?, ?, ?)",
+               {whole(factory.vCod2DNColunas), whole(factory.vCod2DNLinhas), whole(factory.vCod2DErroLevel),
+                factory.vCod2DPDFMode, whole(factory.vCod2DRatio), whole(factory.VCod2DFonteSize),
+                factory.vCod2DTruncated, factory.vCod2DApplyTilde});
+    db.execute("INSERT INTO Tbl_Parametro (Cod2DFonteSize, Cod2DRatio, Cod2DNColunas, Cod2DNLinhas, Cod2DErroLevel, "
+               "Cod2DPDFMode, Cod2DTruncated, Cod2DApplyTilde, GuiaNVias, GuiaMargensTopo, GuiaMargensEsquerda, "
+               "CodTerceiro) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+               {factory.VCod2DFonteSize, factory.vCod2DRatio, factory.vCod2DNColunas, factory.vCod2DNLinhas,
+                factory.vCod2DErroLevel, factory.vCod2DPDFMode, factory.vCod2DTruncated, factory.vCod2DApplyTilde,
+                factory.vGuiaNVias, factory.vGuiaMargensTopo, factory.vGuiaMargensEsquerda, factory.vCodTerceiro});
     db.execute("INSERT INTO schema_version (version) VALUES (?)", {kSchemaVersion});
     db.execute("INSERT INTO tbl_Val_Versao (Contador) VALUES (1)");
 }

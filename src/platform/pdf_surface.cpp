@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <algorithm>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -55,7 +56,7 @@ std::unique_ptr<CairoPages> load_cairo_pages()
 struct PdfSurface::Impl {
     JobNamer namer;     // jobs go to files...
     DocumentSink sink;  // ...or to the host
-    Faces faces = Faces::Standard;
+    Faces faces = Faces::Automatic;
 
     // Printer state.
     int orientation = 1;
@@ -85,6 +86,11 @@ struct PdfSurface::Impl {
     std::string write_error;  // the first write the file refused; the rest of the document is dropped
     bool page_open = false;
     std::vector<Page> pages;  // of the job in progress, or of the last one
+    // The texts the standard faces lack, of the job in progress and of the last finished one.
+    std::vector<std::string> job_asked, last_job_asked;
+    // A batch's pages written with the standard faces, kept while a later text may still ask the
+    // whole document for embedded faces.
+    std::vector<Page> kept;
     std::vector<std::filesystem::path> written;
 
     Impl(JobNamer n, DocumentSink k) : namer(std::move(n)), sink(std::move(k)) {}
@@ -107,7 +113,7 @@ struct PdfSurface::Impl {
 
     std::filesystem::path job_name(int attempt) const { return namer(jobs_done + 1, attempt); }
 
-    void open_document()
+    void open_document(std::optional<Faces> forced = std::nullopt)
     {
         file.reset();
         if (namer) {
@@ -122,7 +128,8 @@ struct PdfSurface::Impl {
         write_error.clear();
         const auto output = [this](std::string_view chunk) { write_out(chunk); };
         try {
-            if (faces == Faces::Standard)
+            writer_faces = forced ? *forced : faces == Faces::Embedded ? Faces::Embedded : Faces::Standard;
+            if (writer_faces == Faces::Standard)
                 writer = std::make_unique<StandardPdfWriter>(output);
             else
                 writer = cairo().pdf_writer(output);
@@ -130,8 +137,23 @@ struct PdfSurface::Impl {
             file.reset();
             throw;
         }
-        writer_faces = faces;
         document_pages = 0;
+        kept.clear();
+    }
+
+    // A text the standard faces lack: the document starts again with embedded faces, and the pages
+    // it has so far go into it as they were drawn, so that it comes out whole.
+    void ask_embedded(const std::string& text)
+    {
+        if (std::find(job_asked.begin(), job_asked.end(), text) == job_asked.end()) job_asked.push_back(text);
+        if (writer_faces == Faces::Embedded) return;
+        std::vector<Page> finished = std::move(kept);
+        if (!batch) finished.assign(pages.begin(), pages.end() - (page_open ? 1 : 0));
+        writer.reset();
+        file.reset();
+        open_document(Faces::Embedded);
+        for (const Page& p : finished) writer->add_page(p);
+        document_pages = static_cast<int>(finished.size());
     }
 
     void write_out(std::string_view chunk)
@@ -153,6 +175,7 @@ struct PdfSurface::Impl {
         if (in_job) return;
         if (!writer) open_document();
         pages.clear();
+        job_asked.clear();
         page_open = false;
         in_job = true;
     }
@@ -174,6 +197,7 @@ struct PdfSurface::Impl {
     {
         ++document_pages;
         writer->add_page(pages.back());
+        if (batch && faces == Faces::Automatic && writer_faces == Faces::Standard) kept.push_back(pages.back());
         page_open = false;
     }
 
@@ -216,6 +240,7 @@ struct PdfSurface::Impl {
         if (!in_job) return;
         if (page_open) finish_page();
         in_job = false;
+        last_job_asked = job_asked;
         if (!batch) close_document();
     }
 
@@ -314,10 +339,12 @@ void PdfSurface::Print(std::string_view text)
         TextOp op{state.x, state.y, state.fore, state.font_name, state.bold, state.font_size, state.face(), std::string(text), {}};
         if (state.writer_faces == Faces::Standard) {
             auto encoded = to_win_ansi(text);
-            if (!encoded)
-                throw std::invalid_argument("text \"" + op.text +
-                                            "\" has a character that the standard faces lack (print with embedded faces)");
-            op.win_ansi = std::move(*encoded);
+            if (encoded)
+                op.win_ansi = std::move(*encoded);
+            else if (state.faces == Faces::Automatic)
+                state.ask_embedded(op.text);
+            else
+                throw std::invalid_argument("text \"" + op.text + "\" has a character that the standard faces lack");
         }
         page.ops.push_back(std::move(op));
     }
@@ -333,6 +360,10 @@ double PdfSurface::TextWidth(std::string_view text)
         return state.cairo().text_width(TextOp{0, 0, state.fore, state.font_name, state.bold, state.font_size, state.face(),
                                                std::string(text), {}});
     const auto encoded = to_win_ansi(text);
+    // Such a text will ask the document for embedded faces, whose metrics are those of the page.
+    if (!encoded && state.faces == Faces::Automatic)
+        return state.cairo().text_width(TextOp{0, 0, state.fore, state.font_name, state.bold, state.font_size, state.face(),
+                                               std::string(text), {}});
     if (!encoded) throw std::invalid_argument("text \"" + std::string(text) + "\" has a character that the standard faces lack");
     return text_width_em(state.face(), *encoded) * state.font_size * kTwipsPerPoint;
 }
@@ -383,6 +414,8 @@ void PdfSurface::StartDoc() { impl_->begin_job(); }
 
 void PdfSurface::setFaces(Faces faces) { impl_->faces = faces; }
 
+std::vector<std::string> PdfSurface::EmbeddedFacesAskedBy() const { return impl_->last_job_asked; }
+
 void PdfSurface::BeginBatch()
 {
     if (impl_->batch) return;
@@ -399,6 +432,7 @@ void PdfSurface::EndBatch()
     state.batch = false;
     if (state.document_pages == 0) {
         // A PDF without pages is no document: nothing is written.
+        state.kept.clear();
         state.writer.reset();
         state.file.reset();
         return;

@@ -18,9 +18,7 @@ std::string pad_number(std::int32_t n, int width) { return pad_zero(std::to_stri
 template <class Table>
 std::string digit(const Table& table, typename Table::field_type field, int row)
 {
-    const Cell& cell = table.at(field, row);
-    if (!cell) return "0";
-    return pad_number(text::require_int16(*cell), 1);
+    return item_digit(table.at(field, row));
 }
 
 template <class Table>
@@ -32,6 +30,12 @@ std::string padded(const Table& table, typename Table::field_type field, int row
 char yes_no(bool yes) { return yes ? 'S' : 'N'; }
 
 }  // namespace
+
+std::string item_digit(const Cell& cell)
+{
+    if (!cell || cell->empty()) return "0";
+    return pad_number(text::require_int16(*cell), 1);
+}
 
 std::string pad_zero(std::string_view value, int width)
 {
@@ -81,19 +85,19 @@ std::string codigo_cabecalho_db(const cab::Table& cab, std::int32_t pag, std::in
     if (cab.empty()) raise(RunTimeError::TypeMismatch);
     std::string head = "CR01";
     head.reserve(70);
-    head += padded(cab, cab::CodContrato, 0, 12);
-    head += padded(cab, cab::CodCliente, 0, 9);
+    head += padded(cab, cab::CodContrato, 0, kHeadFieldsDb[0].width);
+    head += padded(cab, cab::CodCliente, 0, kHeadFieldsDb[1].width);
     const Cell& third = cab.at(cab::CodTerceiro, 0);
-    head += pad_zero(third ? std::string_view(*third) : "0", 8);
+    head += pad_zero(third ? std::string_view(*third) : "0", kHeadFieldsDb[2].width);
     head += cab.text(cab::Drqjul, 0);
-    head += padded(cab, cab::N_Req, 0, 4);
+    head += padded(cab, cab::N_Req, 0, kHeadFieldsDb[3].width);
     head += pad_number(pag, 2);
     head += pad_number(TotPaginas, 2);
     const double payment = text::require_cell_number(cab.at(cab::Pagamento, 0));
     head += yes_no(payment == 1);
     head += yes_no(payment == 2);
     head += yes_no(as_boolean(cab.text(cab::JppCredenciado, 0)));
-    head += padded(cab, cab::NCredencial, 0, 7);
+    head += padded(cab, cab::NCredencial, 0, kHeadFieldsDb[4].width);
     head += std::string(15, '0');
     return head;
 }
@@ -111,18 +115,12 @@ std::string item_linha_db(const guia::Table& g, int row, std::string_view Str_Co
 {
     std::string item;
     item.reserve(31 + Str_CodBarrasServEsp.size());
-    item += padded(g, guia::A_Zona_Taxacao, row, 2);
-    item += padded(g, guia::B_Produto, row, 3);
-    item += padded(g, guia::Escalao, row, 6);
-    item += padded(g, guia::D_Quantidade, row, 7);
-    item += digit(g, guia::E_Velocidade, row);
-    item += digit(g, guia::Formato, row);
-    item += pre_tratamento_db(g.text(guia::B_Produto, row), g.at(guia::PreTratamento, row));
-    item += digit(g, guia::Desconto, row);
-    item += digit(g, guia::Entrega_Sampling, row);
-    item += digit(g, guia::TaxEsp_Semana, row);
-    item += padded(g, guia::TaxEsp_Quantidade, row, 4);
-    item += digit(g, guia::CodAmbitoDist, row);
+    for (std::size_t i = 0; i < kItemFieldsDb.size(); ++i) {
+        if (i == kPreTratamentoAfter)
+            item += pre_tratamento_db(g.text(guia::B_Produto, row), g.at(guia::PreTratamento, row));
+        const auto& f = kItemFieldsDb[i];
+        item += f.digit ? digit(g, f.field, row) : padded(g, f.field, row, f.width);
+    }
     item += pad_number(Total_Se_CodBarras, 2);
     item += Str_CodBarrasServEsp;
     return item;

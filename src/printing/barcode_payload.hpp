@@ -58,6 +58,30 @@ constexpr int head_width(cab::Field field)
     return 0;
 }
 
+// The database edition's head fields at fixed widths: the request number where the other edition
+// has the yearly identifier, and no commitment.
+inline constexpr std::array<HeadField, 5> kHeadFieldsDb = {{
+    {cab::CodContrato, "Cod_Contrato", 12}, {cab::CodCliente, "Cod_Cliente", 9},
+    {cab::CodTerceiro, "CodigoTerceiro", 8}, {cab::N_Req, "N_Req", 4},
+    {cab::NCredencial, "N_Credencial", 7},
+}};
+
+// The database edition's item fields, in order; its pre-treatment character stands after the
+// format, and no campaign, division, characteristic or reference follows.
+inline constexpr std::array<ItemField, 11> kItemFieldsDb = {{
+    {guia::A_Zona_Taxacao, "A_Zona_Taxacao", 2, false}, {guia::B_Produto, "B_Produto", 3, false},
+    {guia::Escalao, "C_Escalao", 6, false},            {guia::D_Quantidade, "D_Quantidade", 7, false},
+    {guia::E_Velocidade, "E_Velocidade", 1, true},     {guia::Formato, "F_Formato", 1, true},
+    {guia::Desconto, "H_Descontos", 1, true},          {guia::Entrega_Sampling, "K_Entrega_Sampling", 1, true},
+    {guia::TaxEsp_Semana, "L_TaxEsp_Semana", 1, true}, {guia::TaxEsp_Quantidade, "M_TaxEsp_Quantidade", 4, false},
+    {guia::CodAmbitoDist, "N_Ambito_Distrib", 1, true},
+}};
+inline constexpr std::size_t kPreTratamentoAfter = 6;  // items of kItemFieldsDb before the character
+
+// A one-digit field of an item: the cell as a 16-bit number written as text, which must be one
+// character; a field left empty (no cell, or a stored empty text) is "0".
+std::string item_digit(const Cell& cell);
+
 // A service's code and value widths in its item.
 inline constexpr int kServiceCodeWidth = 2;
 inline constexpr int kServiceValueWidth = 7;

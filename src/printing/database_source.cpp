@@ -57,16 +57,32 @@ constexpr std::array<std::pair<guia::Field, const char*>, 15> kLineColumns = {{
 
 }  // namespace
 
+std::optional<cls_ParametroA> parameters_of(Recordset& p)
+{
+    if (p.State() != Recordset::adStateOpen || p.RecordCount() == 0) return std::nullopt;
+    p.MoveFirst();
+    const auto text = [&](const char* column) { return p[column].is_null() ? std::string() : p[column].text(); };
+    cls_ParametroA out;
+    out.VCod2DFonteSize = text("Cod2DFonteSize");
+    out.vCod2DRatio = text("Cod2DRatio");
+    out.vCod2DNColunas = text("Cod2DNColunas");
+    out.vCod2DNLinhas = text("Cod2DNLinhas");
+    out.vCod2DErroLevel = text("Cod2DErroLevel");
+    out.vCod2DPDFMode = text("Cod2DPDFMode");
+    out.vCod2DTruncated = text("Cod2DTruncated");
+    out.vCod2DApplyTilde = text("Cod2DApplyTilde");
+    out.vGuiaNVias = text("GuiaNVias");
+    out.vGuiaMargensTopo = text("GuiaMargensTopo");
+    out.vGuiaMargensEsquerda = text("GuiaMargensEsquerda");
+    out.vCodTerceiro = text("CodTerceiro");
+    return out;
+}
+
 SymbolSettings symbol_settings_of(Recordset& p)
 {
-    if (p.State() != Recordset::adStateOpen || p.RecordCount() == 0) throw std::runtime_error("Tbl_Parametro has no row");
-    p.MoveFirst();
-    const auto number = [&](const char* column) { return text::require_number(p[column].text()); };
-    const auto int32 = [&](const char* column) { return text::require_int32(p[column].text()); };
-    return {{int32("Cod2DErroLevel"), int32("Cod2DNColunas"), int32("Cod2DNLinhas"), p["Cod2DTruncated"].text() == "1",
-             int32("Cod2DPDFMode"), p["Cod2DApplyTilde"].text() == "1"},
-            number("Cod2DFonteSize"),
-            number("Cod2DRatio")};
+    const auto parametros = parameters_of(p);
+    if (!parametros) throw std::runtime_error("Tbl_Parametro has no row");
+    return symbol_settings_of(*parametros);
 }
 
 DatabaseSource::DatabaseSource(cls_Impressao& printer, std::int32_t varNReq) : printer_(printer)
@@ -112,6 +128,13 @@ serv::Table DatabaseSource::services(int index) const
     const auto& services = services_.at(static_cast<std::size_t>(index));
     if (!services) throw std::invalid_argument("N_Linha of line " + std::to_string(index + 1) + " is no number");
     return *services;
+}
+
+std::optional<cls_ParametroA> DatabaseSource::parameters() const
+{
+    Recordset parametros;
+    printer_.Param_Parametros(parametros);
+    return parameters_of(parametros);
 }
 
 SymbolSettings DatabaseSource::symbol_settings() const

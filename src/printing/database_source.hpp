@@ -14,6 +14,9 @@ namespace nimbara::printing {
 // The symbol's settings from the first row of Tbl_Parametro, every column read as text; throws
 // std::exception when there is no row or a setting is no number.
 SymbolSettings symbol_settings_of(Recordset& parametros);
+// The twelve settings of the first row of Tbl_Parametro as text (Null is the empty text); nothing
+// when the table has no row.
+std::optional<cls_ParametroA> parameters_of(Recordset& parametros);
 
 class DatabaseSource final : public GuiaSource {
 public:
@@ -26,6 +29,7 @@ public:
     guia::Table line(int index) const override { return lines_.at(static_cast<std::size_t>(index)); }
     serv::Table services(int index) const override;
     SymbolSettings symbol_settings() const override;
+    std::optional<cls_ParametroA> parameters() const override;
 
 private:
     cls_Impressao& printer_;

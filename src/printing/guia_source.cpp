@@ -26,10 +26,17 @@ serv::Table ArraySource::services(int index) const
                                            text::require_cell_int32(arrays_.arrGuia.at(guia::N_Linha, index)));
 }
 
-SymbolSettings ArraySource::symbol_settings() const
+std::optional<cls_ParametroA> ArraySource::parameters() const
 {
     cls_ParametroA parametros;
     parametros.PreencheObjecto(arrays_.arrParametros);
+    return parametros;
+}
+
+SymbolSettings ArraySource::symbol_settings() const { return symbol_settings_of(*parameters()); }
+
+SymbolSettings symbol_settings_of(const cls_ParametroA& parametros)
+{
     return {{text::require_int32(parametros.vCod2DErroLevel), text::require_int32(parametros.vCod2DNColunas),
              text::require_int32(parametros.vCod2DNLinhas), parametros.vCod2DTruncated == "1",
              text::require_int32(parametros.vCod2DPDFMode), parametros.vCod2DApplyTilde == "1"},

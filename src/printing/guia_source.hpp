@@ -2,6 +2,9 @@
 // Where the page driver reads a Guia: its header, its lines one at a time with their special
 // services, and the settings of its symbols. The in-memory tables feed it here; a database source
 // answers the same questions.
+#include <optional>
+
+#include "nimbara/cls_ParametroA.hpp"
 #include "nimbara/guia_arrays.hpp"
 #include "platform/pdf417_encoder.hpp"
 
@@ -28,7 +31,12 @@ public:
     virtual serv::Table services(int index) const = 0;
     // Throws std::exception when a setting is no number.
     virtual SymbolSettings symbol_settings() const = 0;
+    // The twelve settings as text; nothing when the source keeps none.
+    virtual std::optional<cls_ParametroA> parameters() const = 0;
 };
+
+// The symbol's settings read from the twelve; throws std::exception when one is no number.
+SymbolSettings symbol_settings_of(const cls_ParametroA& parametros);
 
 // A line as it prints and encodes: format "07" of product "C07" stands as "01". The source keeps
 // its own value.
@@ -44,6 +52,7 @@ public:
     guia::Table line(int index) const override;
     serv::Table services(int index) const override;
     SymbolSettings symbol_settings() const override;
+    std::optional<cls_ParametroA> parameters() const override;
 
 private:
     const GuiaArrays& arrays_;

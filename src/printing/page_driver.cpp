@@ -9,6 +9,8 @@
 #include "printing/guia_source.hpp"
 #include "printing/page.hpp"
 #include "printing/page_plan.hpp"
+#include "printing/print_log.hpp"
+#include "printing/printable.hpp"
 
 namespace nimbara {
 namespace {
@@ -136,6 +138,21 @@ private:
     std::int32_t TotPaginas;
 };
 
+// A job that the standard faces could not show came out with embedded faces: the log says which
+// texts asked for them. It is a note, not a fault, so it is not one of the printer's entries.
+void note_embedded_faces(const ImpressaoComum& printer, const PageSurface& s)
+{
+    const std::vector<std::string> asked = s.EmbeddedFacesAskedBy();
+    if (asked.empty()) return;
+    std::string note = "Imprime_Parte_Variavel: printed with embedded faces, asked for by";
+    for (std::size_t i = 0; i < asked.size(); ++i) note += (i ? ", \"" : " \"") + asked[i] + "\"";
+    try {
+        printing::append_log_line(printer.log_path(), note);
+    } catch (const std::exception&) {
+        // A log that cannot be written loses the note, as it loses any entry.
+    }
+}
+
 // One copy: the plan of the edition drawn page by page as one print job. A fault ends the job
 // where it stands, logged, and the pages drawn until then come out.
 template <class Printer>
@@ -158,6 +175,7 @@ void print_copy(Printer& printer, const printing::GuiaSource& source, PageSurfac
             fail(*plan.failure);
         } else {
             s.EndDoc();
+            note_embedded_faces(printer, s);
         }
     } catch (const std::exception& e) {
         fail(e.what());
@@ -192,6 +210,11 @@ void cls_Impressao::Imprime_Parte_Variavel(const std::string& /*varCodCliente*/,
 {
     SetPageOffsets(LeftX_, TopY_);
     print_copy(*this, printing::DatabaseSource(*this, varNReq), impressora2, imagens, DuplOrig, dtRequisicao);
+}
+
+std::vector<PrintProblem> cls_Impressao::PrintProblems(std::int32_t varNReq)
+{
+    return printing::printing_problems(printing::DatabaseSource(*this, varNReq), Edition::Database);
 }
 
 std::int32_t cls_Impressao::Calcula_TotalidadePaginas(std::int32_t varNReq)

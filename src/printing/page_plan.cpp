@@ -93,6 +93,7 @@ private:
     std::int32_t codigoServ = 0, valorServ = 0;  // the code and value kept for the next service row
     bool jaImpresso = false;
     bool fim = false;
+    int service_at = -1;  // the service of the line being walked, -1 between services
     std::string codigoCabecalho;
     std::string codigoLinhas;
     std::int32_t totalQuantidade = 0;
@@ -145,6 +146,7 @@ void Planner::printServices()
         return;
     }
     for (int i = 0; i < services.row_count(); ++i) {
+        service_at = i;
         const std::string code(services.text(serv::CodServEsp, i));
         const Cell& value_cell = services.at(serv::Valor, i);
         const std::string value(value_cell ? std::string_view(*value_cell) : std::string_view());
@@ -208,6 +210,7 @@ void Planner::printServices()
             cod = {};
         }
     }
+    service_at = -1;
 }
 
 void Planner::printLine()
@@ -314,6 +317,8 @@ PagePlan Planner::run()
         finishSymbol();
     } catch (const std::exception& e) {
         plan.failure = e.what();
+        if (lin < source.line_count()) plan.failure_line = lin;
+        if (service_at >= 0) plan.failure_service = service_at;
     }
     plan.pag = pag;
     return std::move(plan);

@@ -69,6 +69,9 @@ struct PagePlan {
     std::int32_t pag = 0;  // the page counter where the walk ended, which can run ahead of the sheets
     // What stopped the walk, if anything did: the steps before it are drawn, and the job ends there.
     std::optional<std::string> failure;
+    // Where it stopped: the line being walked (its index) and, among its services, the row, when known.
+    std::optional<int> failure_line;
+    std::optional<int> failure_service;
 };
 
 // The array edition's forecast: the pages foretold from the rows the lines and their services need.

@@ -17,4 +17,13 @@ std::string D_Req_Jul(const Timestamp& D_Req)
     return std::to_string(D_Req.year % 10) + std::string(digits.size() < 3 ? 3 - digits.size() : 0, '0') + digits;
 }
 
+std::optional<std::string> day_code_of(std::string_view date)
+{
+    try {
+        return D_Req_Jul(Timestamp::parse(date));
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
 }  // namespace nimbara::printing

@@ -36,20 +36,30 @@ TEST_P(DbCommandsTest, InitThenListsAndSettings)
     EXPECT_NE(r.out.find("\nC15\t"), std::string::npos);
     EXPECT_EQ(program("refs produto --active").out.find("\nC15\t"), std::string::npos) << "C15 has no active rule";
 
+    // The factory settings, with margins that keep the form off the sheet's unprintable border.
     r = program("params");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out,
-              "VCod2DFonteSize\t0\nvCod2DRatio\t0\nvCod2DNColunas\t0\nvCod2DNLinhas\t0\nvCod2DErroLevel\t1\n"
-              "vCod2DPDFMode\t0\nvCod2DTruncated\t0\nvCod2DApplyTilde\t0\nvGuiaNVias\t1\nvGuiaMargensTopo\t0\n"
-              "vGuiaMargensEsquerda\t0\nvCodTerceiro\t0\n");
+              "VCod2DFonteSize\t3\nvCod2DRatio\t1\nvCod2DNColunas\t16\nvCod2DNLinhas\t0\nvCod2DErroLevel\t2\n"
+              "vCod2DPDFMode\t0\nvCod2DTruncated\t0\nvCod2DApplyTilde\t0\nvGuiaNVias\t1\nvGuiaMargensTopo\t284\n"
+              "vGuiaMargensEsquerda\t284\nvCodTerceiro\t0\n");
 
+    // Every setting is judged when it is set by the rules printing reads it with.
     struct Case { std::string args; int status; std::string message; };
     const Case cases[] = {
         {"params set vGuiaNVias=2 vCod2DNColunas=33", 2, "Nº de colunas não pode ser superior a 32."},
         {"params set vGuiaNVias=dois", 2, "must be whole numbers"},
         {"params set vNada=1", 2, "unknown setting \"vNada\""},
         {"params set vGuiaNVias", 2, "is not NAME=VALUE"},
-        {"params set vGuiaNVias=3 \"vCodTerceiro=Zé d'Água\"", 0, ""},
+        {"params set vGuiaMargensTopo=abc", 2, "vGuiaMargensTopo: \"abc\" is not a whole number of twips"},
+        {"params set vGuiaMargensEsquerda=1e999", 2, "vGuiaMargensEsquerda: \"1e999\" is not a whole number of twips"},
+        {"params set vGuiaMargensTopo=12.5", 2, "vGuiaMargensTopo: \"12.5\" is not a whole number"},
+        {"params set vGuiaMargensTopo=abcmm", 2, "vGuiaMargensTopo: \"abcmm\" is not a number of millimetres"},
+        {"params set vCod2DNColunas=31", 2, "vCod2DNColunas: \"31\" is not a whole number from 0 to 30"},
+        {"params set vCod2DNLinhas=-3", 2, "vCod2DNLinhas: \"-3\" is neither 0"},
+        {"params set vCod2DPDFMode=x", 2, "vCod2DPDFMode: \"x\" is not a whole number"},
+        {"params set VCod2DFonteSize=tres", 2, "VCod2DFonteSize: \"tres\" is not a number"},
+        {"params set vGuiaNVias=3 vGuiaMargensTopo=10mm \"vCodTerceiro=Zé d'Água\"", 0, ""},
         {"init", 2, "already has the table"},
     };
     for (const auto& c : cases) {
@@ -60,7 +70,26 @@ TEST_P(DbCommandsTest, InitThenListsAndSettings)
     r = program("params");
     EXPECT_NE(r.out.find("vGuiaNVias\t3\n"), std::string::npos) << "only the accepted change is saved:\n" << r.out;
     EXPECT_NE(r.out.find("vCodTerceiro\tZé d'Água\n"), std::string::npos);
-    EXPECT_NE(r.out.find("vCod2DNColunas\t0\n"), std::string::npos);
+    EXPECT_NE(r.out.find("vGuiaMargensTopo\t567\n"), std::string::npos) << "10 mm are kept as twips:\n" << r.out;
+    EXPECT_NE(r.out.find("vCod2DNColunas\t16\n"), std::string::npos);
+}
+
+TEST_P(DbCommandsTest, SettingsNotStoredAreMarkedAndFirstSetFromTheFactory)
+{
+    db.reset();
+    ASSERT_EQ(program("init").status, 0);
+    nimbara::OpenDatabase(scratch->conn())->execute("DELETE FROM Tbl_Parametro");
+    auto r = program("params");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find("VCod2DFonteSize\t0\tnot set\n"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("vGuiaNVias\t1\tnot set\n"), std::string::npos) << r.out;
+    EXPECT_NE(r.err.find("Tbl_Parametro has no row"), std::string::npos) << r.err;
+
+    ASSERT_EQ(program("params set vGuiaNVias=2").status, 0);
+    r = program("params");
+    EXPECT_EQ(r.out.find("not set"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("VCod2DFonteSize\t3\n"), std::string::npos) << "the rest from the factory:\n" << r.out;
+    EXPECT_NE(r.out.find("vGuiaNVias\t2\n"), std::string::npos) << r.out;
 }
 
 TEST(DbCommands, RefuseWhatTheyCannotOpenAndCreateNothing)

@@ -2,6 +2,7 @@
 // that read back to the payload built here from the Guia by hand.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -92,4 +93,41 @@ TEST(PrintPdf, OneFileHoldsEveryPassingGuiaInTurnAndNothingWhenNonePasses)
                             folder.path().string());
     EXPECT_EQ(failed.status, 1);
     EXPECT_FALSE(fs::exists(none)) << "a PDF without pages is no document";
+}
+
+// A client whose name the standard faces cannot show: the copy comes out whole with embedded faces
+// and the same layout (its symbol reads back the same), and the print log says which texts asked.
+TEST(PrintPdf, TextsBeyondTheStandardFacesPrintWholeWithEmbeddedFaces)
+{
+    nimbara::testing::TempFolder folder;
+    std::string guia = read_file(example("valid-guia.json"));
+    guia = std::regex_replace(guia, std::regex(R"("Papelaria Horizonte, Lda.")"), R"("Łódź Książki")");
+    guia = std::regex_replace(guia, std::regex(R"("Rua das Flores, 12")"), R"("ul. Świętokrzyska 12")");
+    const auto file = folder.path() / "lodz.json";
+    std::ofstream(file) << guia;
+    const auto log = folder.path() / "p.log";
+    const auto out = folder.path() / "pdf";
+    const auto r = run("print " + file.string() + " --json --report-dir " + folder.path().string() + " --out-dir " +
+                       out.string() + " --print-log " + log.string());
+    ASSERT_EQ(r.status, 0) << r.err << r.out;
+    const auto pdf = out / "Guia_2026-1027_via1.pdf";
+    ASSERT_TRUE(fs::exists(pdf));
+    EXPECT_NE(read_file(pdf).find("/FontFile"), std::string::npos) << "the faces are embedded";
+    EXPECT_EQ(symbol_of(pdf, 1, folder.path()), kValidGuia) << "the same page, the same symbol";
+    const auto text = folder.path() / "text.txt";
+    ASSERT_EQ(std::system(("pdftotext " + pdf.string() + " " + text.string()).c_str()), 0);
+    for (const char* shown : {"Łódź Książki", "Świętokrzyska", "501234567"})
+        EXPECT_NE(read_file(text).find(shown), std::string::npos) << shown << " is on the page";
+    const std::string logged = read_file(log);
+    EXPECT_NE(logged.find("printed with embedded faces, asked for by \"Łódź Książki\""), std::string::npos) << logged;
+    EXPECT_EQ(logged.find("Erro"), std::string::npos) << logged;
+
+    // In a batch, the Guia before it goes into the same document of embedded faces, whole.
+    const auto batch = folder.path() / "batch.pdf";
+    const auto b = run("print " + example("valid-guia.json") + " " + file.string() + " --one-file " + batch.string() +
+                       " --report-dir " + folder.path().string() + " --print-log " + log.string());
+    ASSERT_EQ(b.status, 0) << b.err;
+    EXPECT_EQ(pages_of(batch), 2);
+    EXPECT_EQ(symbol_of(batch, 1, folder.path()), kValidGuia);
+    EXPECT_EQ(symbol_of(batch, 2, folder.path()), kValidGuia);
 }

@@ -15,6 +15,7 @@
 
 #include "cli_run.hpp"
 #include "nimbara/guia_file.hpp"
+#include "pdf_pages.hpp"
 #include "support/temp_folder.hpp"
 
 using nimbara::testing::answer_log;
@@ -174,4 +175,42 @@ TEST(ProgramEdges, ReadmeSamplePrints)
                        sample);
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(count_files(folder.path(), "Guia_2026-1_via1.pdf"), 1u);
+}
+
+// The symbol's day code follows the Guia's date: computed when not given; given beside a date it
+// does not match, `check` warns and `print` refuses, naming both.
+TEST(ProgramEdges, TheDayCodeFollowsTheDate)
+{
+    struct Case { const char* what; const char* code; const char* command; int status; std::string said; };
+    const Case cases[] = {
+        {"not given", "", "print", 0, "printed"},
+        {"the date's own", "6328", "print", 0, "printed"},
+        {"another day", "6001", "print", 2,
+         "/cabecalho: cb_Drqjul \"6001\" is not the day code of cb_DataRequisicao \"2026-11-24\", which is \"6328\"; "
+         "nothing printed"},
+        {"no digits", "abcd", "print", 2, "cb_Drqjul \"abcd\" is not the day code of cb_DataRequisicao \"2026-11-24\""},
+        {"another day, checked", "6001", "check", 0,
+         "guia.json: /cabecalho: cb_Drqjul \"6001\" is not the day code"},
+    };
+    for (const auto& c : cases) {
+        nimbara::testing::TempFolder folder;
+        auto guia = valid();
+        guia.cabecalho.cb_DataRequisicao = "2026-11-24";
+        guia.cabecalho.cb_Drqjul = c.code;
+        const auto file = folder.write("guia.json", nimbara::write_guia_file(guia));
+        const auto pdfs = folder.path() / "pdf";
+        const std::string out = std::string(c.command) == "print"
+                                    ? " --out-dir " + pdfs.string() + " --print-log " + (folder.path() / "p.log").string()
+                                    : "";
+        const auto r = run(std::string(c.command) + " " + file + " --report-dir " + folder.path().string() + out);
+        EXPECT_EQ(r.status, c.status) << c.what << ": " << r.err;
+        EXPECT_NE(r.err.find(c.said), std::string::npos) << c.what << ": " << r.err;
+        if (c.status == 0 && std::string(c.command) == "print")
+            EXPECT_EQ(nimbara::testing::symbol_of(pdfs / "Guia_2026-1027_via1.pdf", 1, folder.path()).substr(37, 4), "6328")
+                << c.what;
+        if (c.status == 2) {
+            EXPECT_FALSE(fs::exists(pdfs)) << c.what;
+            EXPECT_EQ(count_files(folder.path(), "ErrosGuia_"), 0u) << "refused before anything is written";
+        }
+    }
 }

@@ -124,3 +124,44 @@ TEST(FacadeHosts, GuiaFilesRoundTripAndTablesRefuseCellsOutsideThem)
     EXPECT_TRUE(header.empty()) << "a refused write stores nothing";
     EXPECT_EQ(header.at(nimbara::cab::Nome, 5), std::nullopt) << "reading past the rows is an empty cell";
 }
+
+// A copy with a fault is no printed Guia: the default printer's files of the run are removed and
+// none is told as printed. The day code a host leaves out is computed from the date.
+TEST(FacadeHosts, APartialCopyLeavesNoFileAndTheDayCodeFollowsTheDate)
+{
+    nimbara::testing::TempFolder folder;
+    cls_ValProdutosA guia;
+    guia.setReportFolder(folder.path() / "reports");
+    guia.setPrintFolder(folder.path());
+    guia.setPrintLog(folder.path() / "print.log");
+    auto file = valid_guia();
+    file.parametros.vGuiaNVias = "2";
+    file.parametros.vCod2DErroLevel = "x";  // the symbol cannot be made: each copy lacks it
+    ASSERT_EQ(nimbara::fill_guia(guia, file), std::nullopt);
+    EXPECT_FALSE(guia.PrintProblems().empty()) << "told before printing, to those who ask";
+    const auto outcome = guia.ImprimeGuiaOutcome(true);
+    EXPECT_FALSE(outcome.failure);
+    EXPECT_EQ(outcome.copies, 2);
+    EXPECT_FALSE(outcome.print_failures.empty());
+    EXPECT_TRUE(outcome.printed.empty());
+    for (const auto& entry : fs::directory_iterator(folder.path()))
+        EXPECT_NE(entry.path().extension(), ".pdf") << entry.path();
+
+    struct Case { const char* date; const char* code; const char* computed; };
+    const Case cases[] = {
+        {"2026-11-24", "", "6328"},
+        {"2024-12-31", "", "4366"},
+        {"2025-02-03 10:00:00", "", "5034"},
+        {"24/11/2026", "", ""},  // no date this reader knows: nothing made up
+        {"2026-11-24", "6001", "6001"},
+    };
+    for (const auto& c : cases) {
+        cls_ValProdutosA held;
+        auto f = valid_guia();
+        f.cabecalho.cb_DataRequisicao = c.date;
+        f.cabecalho.cb_Drqjul = c.code;
+        ASSERT_EQ(nimbara::fill_guia(held, f), std::nullopt);
+        EXPECT_EQ(held.arrays().arrCabecalho.text(nimbara::cab::Drqjul, 0), c.computed) << c.date;
+        EXPECT_EQ(held.DayCodeConflict().has_value(), std::string(c.code) == "6001") << c.date;
+    }
+}

@@ -19,7 +19,11 @@ TEST_P(SchemaTest, SeedsTheRulesTheListsAndTheFactorySettings)
 {
     EXPECT_EQ(count("tbl_Validacao"), 141);
     EXPECT_EQ(count("tbl_Validacao WHERE Activo = " + std::string(db->boolean_literal(false))), 13);
-    EXPECT_EQ(count("Tbl_Parametro"), 0);
+    // One row of print settings that prints: the factory's, with margins clear of the unprintable border.
+    const Recordset settings = db->open("SELECT * FROM Tbl_Parametro");
+    ASSERT_EQ(settings.RecordCount(), 1);
+    const std::vector<std::string> seeded = {"3", "1", "16", "0", "2", "0", "0", "0", "1", "284", "284", "0"};
+    for (std::size_t i = 0; i < seeded.size(); ++i) EXPECT_EQ(settings[i].text(), seeded[i]) << "column " << i;
     EXPECT_EQ(db->open("SELECT version FROM schema_version")["version"].integer(), kSchemaVersion);
 
     // Rule 1 as the rule table gives it, in every dimension.

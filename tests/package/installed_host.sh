@@ -30,7 +30,7 @@ printing_api='ImpressaoComum|cls_ImpressaoA|cls_Impressao|~ImpressaoComum|~cls_I
 'ImprimeHeaderFooter|PrintTestPage|WriteLog|getImpressaoSetting|SetPageOffsets|log_path|set_log_path|'\
 'set_notifier|log_entries|edition|Imprime_NumPaginas|ReimprimirObservacoes|MyReplaceSpace|PrintaParteDetail|'\
 'PrintaSEParteDetail|CountSEspeciaisComValor|PrintCreatedPDF|Imprime_Parte_Variavel|Calcula_TotalidadePaginas|'\
-'Apaga_RegsUltima_linha|Param_Parametros|Param_Cabecalho|Param_Produto|Param_ServicosEspeciais'
+'Apaga_RegsUltima_linha|Param_Parametros|Param_Cabecalho|Param_Produto|Param_ServicosEspeciais|PrintProblems'
 extra=$(nm -DC --defined-only "$lib" | grep -oE 'nimbara::(ImpressaoComum|cls_ImpressaoA|cls_Impressao)::[~A-Za-z_0-9=]+' |
         sed 's/^.*:://' | sort -u | grep -vxE "$printing_api" || true)
 [[ -z $extra ]] || { echo "printing helpers are exported:" >&2; echo "$extra" >&2; exit 1; }

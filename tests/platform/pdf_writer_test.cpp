@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <regex>
+#include <string>
+#include <vector>
 #include <sstream>
 
 #include "nimbara/cls_ImpressaoA.hpp"
@@ -105,11 +108,57 @@ TEST(StandardPdf, TextOutsideTheFacesIsRefusedAndEmbeddedFacesTakeIt)
 {
     std::string pdf;
     PdfSurface surface([&](int, std::string bytes) { pdf = std::move(bytes); });
-    EXPECT_THROW(surface.Print("漢字"), std::invalid_argument);
+    surface.setFaces(PdfSurface::Faces::Standard);
+    try {
+        surface.Print("漢字");
+        ADD_FAILURE() << "accepted";
+    } catch (const std::invalid_argument& e) {
+        EXPECT_STREQ(e.what(), "text \"漢字\" has a character that the standard faces lack");
+    }
     surface.EndDoc();
 
     surface.setFaces(PdfSurface::Faces::Embedded);
     surface.Print("漢字");
     surface.EndDoc();
     EXPECT_NE(pdf.find("/FontFile"), std::string::npos) << "the embedded faces' document carries its fonts";
+}
+
+// By default a document keeps the standard faces until a text asks for more; it is then written
+// whole with embedded faces, the pages drawn before included, and says which texts asked.
+TEST(StandardPdf, ATextBeyondTheStandardFacesTurnsTheWholeDocumentToEmbeddedFaces)
+{
+    std::vector<std::string> pdfs;
+    PdfSurface surface([&](int, std::string bytes) { pdfs.push_back(std::move(bytes)); });
+    const auto page = [&](std::string_view text) {
+        surface.setCurrentX(1000);
+        surface.setCurrentY(1000);
+        surface.Print(text);
+    };
+    page("Lisboa");
+    surface.EndDoc();
+    EXPECT_TRUE(surface.EmbeddedFacesAskedBy().empty());
+
+    page("Rua das Flores");
+    surface.NewPage();
+    page("Łódź Książki");
+    EXPECT_GT(surface.TextWidth("Łódź"), 0) << "measured as the embedded faces draw it";
+    page("Łódź Książki");
+    surface.EndDoc();
+    EXPECT_EQ(surface.EmbeddedFacesAskedBy(), std::vector<std::string>{"Łódź Książki"});
+
+    surface.BeginBatch();
+    page("first job, standard so far");
+    surface.EndDoc();
+    page("second job: Gdańsk");
+    surface.EndDoc();
+    surface.EndBatch();
+
+    ASSERT_EQ(pdfs.size(), 3u);
+    EXPECT_EQ(pdfs[0].find("/FontFile"), std::string::npos) << "nothing asked: nothing embedded";
+    for (std::size_t i : {1u, 2u}) {
+        EXPECT_NE(pdfs[i].find("/FontFile"), std::string::npos) << "document " << i;
+        const std::regex page_object(R"(/Type\s*/Page[^s])");
+        EXPECT_EQ(std::distance(std::sregex_iterator(pdfs[i].begin(), pdfs[i].end(), page_object), std::sregex_iterator()), 2)
+            << "the page drawn before the text is in the document " << i;
+    }
 }

@@ -100,6 +100,7 @@ TEST_P(DatabaseFeed, ServicesByValueAndTheirCodes)
 
 TEST_P(DatabaseFeed, SettingsRowAndFailuresOfTheGuardedFeeds)
 {
+    db->execute("DELETE FROM Tbl_Parametro");
     Recordset settings;
     printer->Param_Parametros(settings);
     EXPECT_EQ(settings.State(), Recordset::adStateClosed) << "an empty table leaves the argument as it was";

@@ -41,6 +41,8 @@ protected:
         StoreTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
         create_schema();
+        // The recorded calls were made with the settings of an empty table saved as they read.
+        db->execute("DELETE FROM Tbl_Parametro");
         cls_Parametro(db).DoSave();
         nimbara::testing::store_client(db, 1, "Papelaria Horizonte, Lda.");
         printer = std::make_unique<cls_Impressao>(db);

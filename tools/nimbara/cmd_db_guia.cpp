@@ -4,7 +4,9 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "guia_command.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
+#include "nimbara/cls_Impressao.hpp"
 #include "nimbara/guia_file.hpp"
 #include "nimbara/guia_store.hpp"
 
@@ -20,8 +22,15 @@ struct GuiaOptions {
 int save(const GuiaOptions& o)
 {
     const GuiaFile file = read_guia_file(o.file);
-    const SavedGuia saved = save_guia_file(open_command_database(o.conn), file, o.file);
+    const auto db = open_command_database(o.conn);
+    const SavedGuia saved = save_guia_file(db, file, o.file);
     std::cout << saved.N_Req << '\t' << saved.N_Req2 << '\t' << saved.Id_Req_Anual << '\n';
+    // Stored all the same: the site learns now rather than at the counter.
+    cls_Impressao printer(db);
+    printer.set_log_path(default_print_log());
+    for (const auto& p : printer.PrintProblems(saved.N_Req))
+        std::cerr << "nimbara db save: warning: Guia " << saved.N_Req << " will not print by the database edition: "
+                  << p.place << ": " << p.what << '\n';
     return 0;
 }
 

@@ -6,10 +6,17 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "guia_command.hpp"
+#include "nimbara/Recordset.hpp"
+#include "nimbara/cls_Impressao.hpp"
 #include "nimbara/Notifier.hpp"
 #include "nimbara/cls_Importacao.hpp"
 
@@ -68,6 +75,44 @@ public:
     NotifierInForce& operator=(const NotifierInForce&) = delete;
 };
 
+// How many of the Guias will not print by the database edition, by cause, with the first numbers
+// of each: a site learns at once which old Guias need their data mended or the other edition.
+void summarise_printability(const std::shared_ptr<Database>& db, std::ostream& out)
+{
+    constexpr std::size_t kShown = 5;
+    struct Group {
+        std::size_t guias = 0;
+        std::vector<std::int32_t> first;
+    };
+    std::map<std::string, Group> causes;
+    std::size_t total = 0, refused = 0;
+    cls_Impressao printer(db);
+    printer.set_log_path(default_print_log());
+    Recordset all = db->open("SELECT N_Req FROM Tbl_Cab ORDER BY N_Req");
+    for (all.MoveFirst(); !all.IsEOF(); all.MoveNext()) {
+        const auto n_req = static_cast<std::int32_t>(all["N_Req"].integer());
+        ++total;
+        std::set<std::string> seen;
+        for (const auto& p : printer.PrintProblems(n_req)) {
+            if (!seen.insert(p.cause).second) continue;
+            Group& g = causes[p.cause];
+            ++g.guias;
+            if (g.first.size() < kShown) g.first.push_back(n_req);
+        }
+        if (!seen.empty()) ++refused;
+    }
+    if (refused == 0) return;
+    out << refused << " of the " << total << " Guias will not print by the database edition (nimbara db print N_REQ "
+        << "names each cause):\n";
+    std::vector<std::pair<std::string, Group>> sorted(causes.begin(), causes.end());
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.second.guias > b.second.guias; });
+    for (const auto& [cause, g] : sorted) {
+        out << "  " << g.guias << " Guias: " << cause << " (N_Req ";
+        for (std::size_t i = 0; i < g.first.size(); ++i) out << (i ? ", " : "") << g.first[i];
+        out << (g.guias > g.first.size() ? ", ...)\n" : ")\n");
+    }
+}
+
 struct Options {
     std::string file, version, procedure, conn;
     bool keep_orphans = false;
@@ -87,7 +132,8 @@ int import(const Options& o)
         if (std::find(all.begin(), all.end(), procedure) == all.end())
             throw CommandError("no import procedure " + procedure);
     }
-    cls_Importacao importacao(open_command_database(o.conn));
+    const auto db = open_command_database(o.conn);
+    cls_Importacao importacao(db);
     importacao.KeepOrphans = o.keep_orphans;
     ImportNotifier shown;
     const NotifierInForce in_force(shown);
@@ -108,6 +154,7 @@ int import(const Options& o)
         std::cout << "kept " << importacao.LastOrphans().size() << " rows that belong to nothing:\n";
         for (const auto& row : importacao.LastOrphans()) std::cout << "  " << row << '\n';
     }
+    summarise_printability(db, std::cout);
     return 0;
 }
 

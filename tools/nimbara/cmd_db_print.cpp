@@ -1,4 +1,5 @@
-// nimbara db print N_REQ: the database edition prints a stored Guia, one PDF per copy, named as the
+// nimbara db print N_REQ: a stored Guia printed by the database edition (or, with --edition array,
+// by the headless edition from the same Guia read as a Guia file), one PDF per copy, named as the
 // headless road names them.
 #include <filesystem>
 #include <iostream>
@@ -10,11 +11,13 @@
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
+#include "guia_record.hpp"
 #include "nimbara/FormImpressao.hpp"
-#include "nimbara/Recordset.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_Parametro.hpp"
+#include "nimbara/cls_ValProdutosA.hpp"
+#include "nimbara/guia_file.hpp"
 #include "nimbara/pdf_printer.hpp"
 
 namespace nimbara::cli {
@@ -26,60 +29,88 @@ struct PrintOptions {
     std::string conn;
     std::int32_t n_req = 0;
     std::string out_dir = ".";
+    std::string edition = "database";
     std::optional<std::string> print_log;
     bool quiet = false;
 };
 
-// A whole number of a parameter, or a message naming it.
-std::int32_t whole_parameter(const std::string& name, const std::string& value)
+// Every cause, one a line, in the refusal.
+std::string refusal(std::int32_t n_req, const std::vector<PrintProblem>& problems, const std::string& how = "")
 {
-    try {
-        std::size_t used = 0;
-        const long n = std::stol(value, &used);
-        if (used == value.size()) return static_cast<std::int32_t>(n);
-    } catch (const std::exception&) {
-    }
-    throw CommandError("Tbl_Parametro: " + name + " \"" + value + "\" is not a whole number");
+    std::string text = "Guia " + std::to_string(n_req) + " not printed" + how + ":";
+    for (const auto& p : problems) text += "\n  " + p.place + ": " + p.what;
+    return text;
 }
 
-// Margins are kept in twips; the page works in millimetres.
-double twips_to_mm(std::int32_t twips) { return twips * 10.0 / 567; }
+// Margins are kept in twips, checked as whole numbers before printing; the page works in millimetres.
+double margin_mm(const std::string& twips) { return std::stoi(twips) / kTwipsPerMm; }
+
+// The run's files go when a copy did not come out whole: a partial Guia is no printed Guia.
+void keep_only_whole(std::int32_t n_req, const std::vector<fs::path>& written, std::size_t copies,
+                     const std::vector<std::string>& faults)
+{
+    if (faults.empty() && written.size() == copies) return;
+    for (const auto& pdf : written) fs::remove(pdf);
+    throw CommandError("Guia " + std::to_string(n_req) +
+                       " not printed: " + (faults.empty() ? std::string("a copy was not written") : faults.front()));
+}
+
+fs::path output_folder(const std::string& out_dir)
+{
+    try {
+        return usable_folder("output folder", out_dir);
+    } catch (const std::exception& e) {
+        throw CommandError(e.what());
+    }
+}
+
+// The headless edition from the stored Guia read as its Guia file: its head carries the yearly
+// number, so a history beyond N_Req 9999 still prints.
+int print_as_array(const PrintOptions& o, const std::shared_ptr<Database>& db)
+{
+    const GuiaFile file = file_from_guia(o.n_req, db);
+    cls_ValProdutosA guia;
+    if (const auto refused = fill_guia(guia, file)) throw CommandError("Guia " + std::to_string(o.n_req) + ": " + *refused);
+    std::vector<PrintProblem> problems;
+    for (const auto& f : guia.PrintProblems()) problems.push_back({f.where, f.cause});
+    if (!problems.empty())
+        throw CommandError(refusal(o.n_req, problems,
+                                   " by the array edition (the places are those of its Guia file: nimbara db show " +
+                                       std::to_string(o.n_req) + ")"));
+    guia.setPrintFolder(output_folder(o.out_dir));
+    guia.setPrintLog(o.print_log ? fs::path(*o.print_log) : default_print_log());
+    const GuiaOutcome outcome = guia.ImprimeGuiaOutcome(true);
+    if (outcome.failure) throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: " + outcome.failure->cause);
+    keep_only_whole(o.n_req, outcome.printed, static_cast<std::size_t>(outcome.copies), outcome.print_failures);
+    if (!o.quiet)
+        for (const auto& pdf : outcome.printed) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
+    return 0;
+}
 
 int print_guia(const PrintOptions& o)
 {
     const auto db = open_command_database(o.conn);
     if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
         throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
-    // The symbol's head holds the request number in four digits; the page would stop at it.
-    if (o.n_req > 9999 || o.n_req < 0)
-        throw CommandError("Guia " + std::to_string(o.n_req) +
-                           " not printed: the symbol of this edition holds the request number in four digits");
+    if (o.edition == "array") return print_as_array(o, db);
+
+    cls_Impressao printer(db);
+    printer.set_log_path(o.print_log ? fs::path(*o.print_log) : default_print_log());
+    // Whatever would stop the page is named before anything is drawn.
+    if (const auto problems = printer.PrintProblems(o.n_req); !problems.empty())
+        throw CommandError(refusal(o.n_req, problems));
+
     cls_Guia_Cabecalho guia(db);
     guia.SelectMe(o.n_req);
     const std::string date = guia.vDReq.text().substr(0, 10);
     // The document number the form shows, as the Guia's file would carry it.
     const std::string NDoc = date.substr(0, 4) + "/" + std::to_string(guia.vNIDReqAnual);
+    const cls_Parametro parametros(db);
+    const std::int32_t vias = std::stoi(parametros.vGuiaNVias);
+    const double top = margin_mm(parametros.vGuiaMargensTopo);
+    const double left = margin_mm(parametros.vGuiaMargensEsquerda);
 
-    cls_Parametro parametros(db);
-    // The page reads its symbol's settings from the table itself, not from the defaults.
-    Recordset stored;
-    parametros.SelectAll(stored);
-    if (stored.RecordCount() == 0)
-        throw CommandError("Tbl_Parametro has no row: save the print settings first (nimbara db params set ...)");
-    const std::int32_t vias = whole_parameter("GuiaNVias", parametros.vGuiaNVias);
-    const double top = twips_to_mm(whole_parameter("GuiaMargensTopo", parametros.vGuiaMargensTopo));
-    const double left = twips_to_mm(whole_parameter("GuiaMargensEsquerda", parametros.vGuiaMargensEsquerda));
-
-    fs::path folder;
-    try {
-        folder = usable_folder("output folder", o.out_dir);
-    } catch (const std::exception& e) {
-        throw CommandError(e.what());
-    }
-    if (vias <= 0) {
-        if (!o.quiet) std::cerr << "nimbara db print: GuiaNVias is " << vias << ": no copy to print\n";
-        return 0;
-    }
+    const fs::path folder = output_folder(o.out_dir);
     const auto surface = make_pdf_printer(folder, NDoc);
     surface->setOrientation(printer::kLandscape);
     surface->setPaperSize(printer::kPaperA4);
@@ -91,22 +122,15 @@ int print_guia(const PrintOptions& o)
                            "\": " + e.what());
     }
 
-    cls_Impressao printer(db);
-    printer.set_log_path(o.print_log ? fs::path(*o.print_log) : default_print_log());
     std::int32_t DuplOrig = 0;
     for (std::int32_t via = 1; via <= vias; ++via, ++DuplOrig)
         printer.Imprime_Parte_Variavel("", o.n_req, 0, *surface, form_impressao(), top, left, DuplOrig, date, NDoc);
 
     // The page routines log their faults and go on; a copy with a fault is not a printed Guia, and
     // none of this run's files stays behind it.
-    const std::vector<fs::path>& written = surface->written();
-    if (!printer.log_entries().empty() || static_cast<std::int32_t>(written.size()) != vias) {
-        for (const auto& pdf : written) fs::remove(pdf);
-        std::string why = printer.log_entries().empty() ? "a copy was not written" : printer.log_entries().front();
-        throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: " + why);
-    }
+    keep_only_whole(o.n_req, surface->written(), static_cast<std::size_t>(vias), printer.log_entries());
     if (!o.quiet)
-        for (const auto& pdf : written) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
+        for (const auto& pdf : surface->written()) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
     return 0;
 }
 
@@ -120,14 +144,20 @@ void register_db_print(CLI::App& db, int& status)
     cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     cmd->add_option("--out-dir", o->out_dir, "Folder of the printed PDFs, created if missing (default: the current "
                                              "folder)");
+    cmd->add_option("--edition", o->edition,
+                    "database (default): the database edition, whose symbol holds N_Req in four digits; array: the "
+                    "headless edition, whose symbol carries the yearly number, for Guias beyond N_Req 9999")
+        ->check(CLI::IsMember({"database", "array"}));
     cmd->add_option("--print-log", o->print_log,
                     "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->add_flag("-q,--quiet", o->quiet, "Do not name the printed files");
     add_db_option(*cmd, o->conn);
-    cmd->footer("Files are named Guia_<year>-<yearly number>_via<copy>.pdf; a taken name gains -2, -3...\nExit "
-                "status: 0 every copy printed, 2 no such Guia, a parameter that is no number, an output folder that "
-                "cannot be written or a copy that could not be printed whole (no file is left then).\nExample:\n  "
-                "nimbara db print 1 --out-dir printed");
+    cmd->footer("Files are named Guia_<year>-<yearly number>_via<copy>.pdf; a taken name gains -2, -3...\nBefore "
+                "printing, every field that printing converts or the symbol carries at a fixed width is checked, and "
+                "each fault is named with its column and line.\nExit status: 0 every copy printed, 2 no such Guia, a "
+                "Guia or setting that would not print whole (each cause named), an output folder that cannot be "
+                "written or a copy that could not be printed whole (no file is left then).\nExamples:\n  nimbara db "
+                "print 1 --out-dir printed\n  nimbara db print 10250 --edition array");
     cmd->callback([o, &status] { status = run_db_command("print", std::cerr, [&] { return print_guia(*o); }); });
 }
 

@@ -35,6 +35,11 @@ int print_guias(PrintRun run)
         status = std::max(status, run_guia(run.guia, std::cout, std::cerr, "print"));
     }
     if (!batch) return status;
+    // A batch holding a Guia that did not come out whole is not written at all.
+    if (*run.guia.printer_spoiled) {
+        std::cerr << "nimbara print: not printed: " << run.one_file << ": a Guia in it did not come out whole\n";
+        return std::max(status, 3);
+    }
     try {
         batch->EndBatch();
     } catch (const std::exception& e) {

@@ -56,7 +56,8 @@ GuiaFile read_input(const std::string& file)
     return parse_guia_file(text, "<stdin>");
 }
 
-nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems, int status)
+nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems,
+                       const std::vector<std::string>& warnings, int status)
 {
     nlohmann::json j;
     j["answer"] = guia_answer(outcome);
@@ -86,6 +87,7 @@ nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& p
     j["not_printed"] = nlohmann::json::array();
     for (const auto& p : problems) j["not_printed"].push_back({{"place", p.where}, {"what", p.cause}});
     for (const auto& f : outcome.print_failures) j["not_printed"].push_back({{"place", "/"}, {"what", f}});
+    j["warnings"] = warnings;
     j["exit"] = status;
     return j;
 }
@@ -102,9 +104,19 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
                           "\" is not a whole number of 32 bits"};
     }
 
+    cls_ValProdutosA guia;
+    if (const auto refused = fill_guia(guia, file)) throw Refusal{source + ": " + *refused};
+
+    // A day code that is not its date's would put another day in the symbol than on the form.
+    std::vector<std::string> warnings;
+    if (const auto conflict = guia.DayCodeConflict()) {
+        if (run.printing) throw Refusal{source + ": /cabecalho: " + *conflict + "; nothing printed"};
+        warnings.push_back("/cabecalho: " + *conflict);
+        if (!run.quiet) err << "nimbara " << command << ": warning: " << source << ": " << warnings.back() << '\n';
+    }
+
     const fs::path reports = usable_folder("report folder", run.report_dir ? fs::path(*run.report_dir) : fs::path("."));
     ProgramNotifier notes(err, run.quiet, run.verbose);
-    cls_ValProdutosA guia;
     guia.setNotifier(&notes);
     guia.setReportFolder(reports);
     guia.setPrintingEnabled(run.printing);
@@ -113,7 +125,6 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         guia.setPrintLog(run.print_log ? fs::path(*run.print_log) : default_print_log());
         if (run.printer) guia.setPrinter(run.printer);
     }
-    if (const auto refused = fill_guia(guia, file)) throw Refusal{source + ": " + *refused};
 
     // What would not print whole is found before printing: the Guia is then validated and reported only.
     std::vector<Failure> problems;
@@ -135,9 +146,10 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         const bool whole = problems.empty() && outcome.print_failures.empty() && outcome.copies > 0 &&
                            (run.printer || outcome.printed.size() == static_cast<std::size_t>(outcome.copies));
         if (!whole) status = 3;
+        if (run.printer && !outcome.print_failures.empty()) *run.printer_spoiled = true;
     }
     if (run.json) {
-        out << as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, status).dump(2) << '\n';
+        out << as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status).dump(2) << '\n';
     } else {
         out << guia_answer(outcome) << '\n';
     }

@@ -27,6 +27,8 @@ struct GuiaRun {
     bool verbose = false;
     // The printer every Guia shares (a batch), instead of a PDF file per copy.
     std::shared_ptr<PageSurface> printer;
+    // Set when a Guia drawn into the shared printer did not come out whole.
+    std::shared_ptr<bool> printer_spoiled = std::make_shared<bool>(false);
 };
 
 // Creates the folder with its parents when it is missing; a place that cannot be a folder is
