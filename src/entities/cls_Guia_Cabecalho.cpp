@@ -318,11 +318,19 @@ void cls_Guia_Cabecalho::DoInsertValTemp()
         for (std::size_t i = 1; i <= mColLinha.Count(); ++i) {
             const cls_Guia_Linha& l = mColLinha.Item(i);
             if (l.vB_Produto == "0" || l.vToDelete) continue;  // untouched or withdrawn
+            const std::vector<FieldValue> row = {vNReq, l.vA_Zona_Taxacao, l.vB_Produto, l.vE_Velocidade,
+                                                 l.vD_Quantidade, l.vNLinha, l.vO_Divisao_Remetente,
+                                                 l.ContentCode(), l.vRefCli, l.vG_Pre_Tratamento};
+            // The validator reads these rows back, so they pass the same gate as the stored lines.
+            entities::check_row("Tbl_Temp_Val_Guia",
+                                "Guia " + std::to_string(vNReq) + ", line " + std::to_string(l.vNLinha),
+                                {"N_Req", "A_Zona_Taxacao", "B_Produto", "E_Velocidade", "D_Quantidade", "N_Linha",
+                                 "O_Divisao_Remetente", "Q_Conteudo", "P_RefCliente", "G_PreTratamento"},
+                                row);
             db.execute("INSERT INTO Tbl_Temp_Val_Guia (N_Req, A_Zona_Taxacao, B_Produto, E_Velocidade, D_Quantidade, "
                        "N_Linha, O_Divisao_Remetente, Q_Conteudo, P_RefCliente, G_PreTratamento) "
                        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                       {vNReq, l.vA_Zona_Taxacao, l.vB_Produto, l.vE_Velocidade, l.vD_Quantidade, l.vNLinha,
-                        l.vO_Divisao_Remetente, l.ContentCode(), l.vRefCli, l.vG_Pre_Tratamento});
+                       row);
         }
         t.commit();
     });

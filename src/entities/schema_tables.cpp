@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <span>
-#include <strings.h>
 #include <stdexcept>
 #include <string_view>
 
@@ -182,11 +181,6 @@ std::string create_table(const Table& t, StoreKind kind)
         sql += std::string(i ? ", " : "") + t.columns[i].name + " " + t.columns[i].type;
     if (t.key) sql += ", PRIMARY KEY (" + std::string(t.key) + ")";
     return sql + (t.clustered && kind == StoreKind::SQLite ? ") WITHOUT ROWID" : ")");
-}
-
-bool same_name(std::string_view a, std::string_view b)
-{
-    return a.size() == b.size() && ::strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
 // The declared type read back: the register's few spellings above.
