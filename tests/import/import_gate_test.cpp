@@ -42,7 +42,9 @@ TEST_P(ImportGateTest, ValuesTheReadersCannotReadBackAreRefusedByRowAndColumn)
         {"year-0", "TBL_CAB", 7, "0000-02-03 00:00:00", {"Tbl_Cab.D_Req: the year 0 is outside 1900 to 9999"}},
         {"latin1-name", "TBL_CLIENTE", 2, "Farm\xE1" "cia",
          {"TBL_CLIENTE, row Id_Cliente " + id_cliente, "Tbl_Cliente.Nome: text that is not UTF-8 (byte 5"}},
-        {"nul-remark", "TBL_CLIENTE", 9, std::string("a\0b", 3), {"Tbl_Cliente.Observacoes: text with a NUL"}},
+        // The check of damaged rows, which runs before any row is written, names it first.
+        {"nul-remark", "TBL_CLIENTE", 9, std::string("a\0b", 3),
+         {"TBL_CLIENTE, row Id_Cliente " + id_cliente, "column Observacoes: its text holds NUL characters"}},
         {"amount", "TBL_LINHA_SERVICOESPECIAL", 3, "abc", {"Tbl_Linha_ServicoEspecial.Valor: \"abc\" is no amount"}},
         {"long-product", "TBL_LINHA", 3, std::string(1000, 'C'),
          {"TBL_LINHA, row N_Req", "Tbl_Linha.B_Produto: 1000 characters, where the column holds at most 10"}},

@@ -11,13 +11,13 @@
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
-#include "guia_record.hpp"
 #include "nimbara/FormImpressao.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_Parametro.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
+#include "nimbara/guia_store.hpp"
 #include "nimbara/pdf_printer.hpp"
 
 namespace nimbara::cli {
@@ -68,7 +68,7 @@ fs::path output_folder(const std::string& out_dir)
 // number, so a history beyond N_Req 9999 still prints.
 int print_as_array(const PrintOptions& o, const std::shared_ptr<Database>& db)
 {
-    const GuiaFile file = file_from_guia(o.n_req, db);
+    const GuiaFile file = load_guia_file(db, o.n_req);
     cls_ValProdutosA guia;
     if (const auto refused = fill_guia(guia, file)) throw CommandError("Guia " + std::to_string(o.n_req) + ": " + *refused);
     std::vector<PrintProblem> problems;
