@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "json_output.hpp"
 #include "nimbara/Schema.hpp"
 #include "nimbara/mdl_Biz.hpp"
 
@@ -28,14 +29,23 @@ std::shared_ptr<Database> open_command_database(const std::string& conn)
     return OpenGuiaDatabase(command_connection(conn));
 }
 
-int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body)
+int run_db_command(const std::string& name, bool json, std::ostream& out, std::ostream& err,
+                   const std::function<int()>& body)
 {
     try {
         return body();
     } catch (const std::exception& e) {
-        err << "nimbara db " << name << ": " << e.what() << '\n';
+        const std::string command = "nimbara db " + name;
+        err << command << ": " << e.what() << '\n';
+        if (json) write_json(out, refusal_json(command, e.what()));
         return 2;
     }
+}
+
+int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body)
+{
+    std::ostream none{nullptr};
+    return run_db_command(name, false, none, err, body);
 }
 
 }  // namespace nimbara::cli

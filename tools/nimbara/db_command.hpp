@@ -29,7 +29,10 @@ std::string command_connection(const std::string& conn);
 // untouched ("not a Guia database").
 std::shared_ptr<Database> open_command_database(const std::string& conn);
 
-// Runs a db command's body: any failure is written as "nimbara db NAME: message" and gives 2.
+// Runs a db command's body: any failure is written as "nimbara db NAME: message" and gives 2; with
+// `json` the refusal is also the run's JSON document on `out`.
 int run_db_command(const std::string& name, std::ostream& err, const std::function<int()>& body);
+int run_db_command(const std::string& name, bool json, std::ostream& out, std::ostream& err,
+                   const std::function<int()>& body);
 
 }  // namespace nimbara::cli
