@@ -26,3 +26,6 @@ set(NIMBARA_PC_REQUIRES_PRIVATE "sqlite3")
 set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS} -Wl,-rpath,\${libdir}/nimbara")
 configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The JSON Schemas of the Guia file and the client file, for editors and for hosts that check first.
+install(DIRECTORY data/schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/nimbara/schema)

@@ -16,6 +16,7 @@
 #include "nimbara/PageSurface.hpp"
 #include "nimbara/error_array.hpp"
 #include "nimbara/guia_arrays.hpp"
+#include "nimbara/possible_value.hpp"
 
 namespace nimbara {
 
@@ -30,11 +31,14 @@ struct Failure {
     friend bool operator==(const Failure&, const Failure&) = default;
 };
 
-// A line that failed validation: its row in the order of filling (from 0), its N_Linha, its error.
+// A line that failed validation: its row in the order of filling (from 0), its N_Linha, its error,
+// and the values the report lists as possible for it (weight steps when `weight_steps`).
 struct LineError {
     int row = 0;
     std::string N_Linha;
     ErrorArray error;
+    std::vector<PossibleValue> possible_values = {};
+    bool weight_steps = false;
     friend bool operator==(const LineError&, const LineError&) = default;
 };
 

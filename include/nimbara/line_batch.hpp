@@ -4,13 +4,16 @@
 #include <cstdint>
 #include <functional>
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "nimbara/error_array.hpp"
 #include "nimbara/export.hpp"
+#include "nimbara/possible_value.hpp"
 
 namespace nimbara {
 
@@ -42,5 +45,22 @@ NIMBARA_API std::string batch_result_text(const ValidationResult& result);
 // As above, with another validator as the judge.
 NIMBARA_API BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream& err,
                                           const std::string& source, const BatchJudge& judge);
+
+// One row of a batch as a host reads it: its line number (from 1), and either its verdict or why it
+// was refused. A line the compiled-in rules failed carries the values the report would list for it
+// (weight steps, smallest and largest weight, when `weight_steps`).
+struct BatchLineResult {
+    std::size_t line = 0;
+    ValidationResult result;
+    std::vector<PossibleValue> possible_values;
+    bool weight_steps = false;
+    std::optional<std::string> refused;
+};
+using BatchResultSink = std::function<void(const BatchLineResult&)>;
+
+// As above, each row's result handed to `sink` instead of written as text; the compiled-in rules
+// judge unless a judge is given.
+NIMBARA_API BatchSummary check_line_batch(std::istream& in, const BatchResultSink& sink, std::ostream& err,
+                                          const std::string& source, const BatchJudge* judge = nullptr);
 
 }  // namespace nimbara

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <variant>
 
+#include "document/possible_values_of_line.hpp"
 #include "nimbara/guia_file.hpp"
 #include "validation/line_validator.hpp"
 #include "validation/rule_catalogue.hpp"
@@ -21,9 +22,10 @@ constexpr std::size_t kAnswerBlock = 1 << 16;
 class Batch {
 public:
     // Without a judge, lines go to the compiled-in rules by the shortest way, with nothing allocated.
-    Batch(std::ostream& err, const std::string& source, BatchSummary& summary, const BatchJudge* judge)
-        : index_(validation::RuleCatalogue::compiled().index()), judge_(judge), err_(err), source_(source),
-          summary_(summary)
+    Batch(std::ostream& err, const std::string& source, BatchSummary& summary, const BatchJudge* judge,
+          const BatchResultSink* sink = nullptr)
+        : index_(validation::RuleCatalogue::compiled().index()), judge_(judge), sink_(sink), err_(err),
+          source_(source), summary_(summary)
     {
         answers_.reserve(kAnswerBlock + 256);
     }
@@ -57,12 +59,14 @@ public:
             } catch (const std::invalid_argument& e) {
                 return refuse(e.what());
             }
+            if (sink_) return (*sink_)({summary_.lines, std::move(result), {}, false, std::nullopt});
             answers_ += batch_result_text(result);
             answers_ += '\n';
             return;
         }
         const validation::LineInput line{fields[0], fields[1], *weight,    fields[3], fields[4],
                                          fields[5], fields[6], fields[7], fields[8], fields[9]};
+        if (sink_) return hand_on(line, fields);
         answer(validation::check_line(index_, line), line);
     }
 
@@ -89,6 +93,28 @@ private:
         answers_ += '\n';
     }
 
+    // The verdict with what the report would list as possible for the failing field.
+    void hand_on(const validation::LineInput& line, const std::array<std::string_view, kFields>& fields)
+    {
+        BatchLineResult r{summary_.lines, validation::validate_line(index_, line), {}, false, std::nullopt};
+        if (r.result) {
+            const document::FailedLine failed{fields[0], fields[1], fields[3], fields[4], fields[5], fields[6],
+                                              fields[2], line.weight, [&fields] {
+                                                  const auto scope = read_weight(fields[7]);
+                                                  if (!scope) throw std::invalid_argument("no number");
+                                                  return *scope;
+                                              }};
+            try {
+                r.possible_values = document::possible_value_rows(
+                    document::possible_values_of_line(r.result->number, failed, validation::RuleCatalogue::compiled()));
+                r.weight_steps = document::is_weight_error(r.result->number);
+            } catch (const std::invalid_argument&) {
+                // A scope that is no number asks no question: the line's values stay unlisted.
+            }
+        }
+        (*sink_)(r);
+    }
+
     template <class Codes>
     void join(const Codes& codes)
     {
@@ -101,6 +127,7 @@ private:
     void refuse(const std::string& reason)
     {
         ++summary_.refused;
+        if (sink_) (*sink_)({summary_.lines, std::nullopt, {}, false, reason});
         answers_ += '!';
         answers_ += reason;
         answers_ += '\n';
@@ -109,6 +136,7 @@ private:
 
     const validation::RuleIndex& index_;
     const BatchJudge* judge_;
+    const BatchResultSink* sink_;
     std::ostream& err_;
     const std::string& source_;
     BatchSummary& summary_;
@@ -116,10 +144,10 @@ private:
 };
 
 BatchSummary run_batch(std::istream& in, std::ostream& out, std::ostream& err, const std::string& source,
-                       const BatchJudge* judge)
+                       const BatchJudge* judge, const BatchResultSink* sink = nullptr)
 {
     BatchSummary summary;
-    Batch batch(err, source, summary, judge);
+    Batch batch(err, source, summary, judge, sink);
     std::string& answers = batch.answers();
     std::string partial;  // the start of a line whose break has not been read yet
     std::array<char, 1 << 16> chunk;
@@ -186,6 +214,14 @@ BatchSummary check_line_batch(std::istream& in, std::ostream& out, std::ostream&
                               const BatchJudge& judge)
 {
     return run_batch(in, out, err, source, &judge);
+}
+
+BatchSummary check_line_batch(std::istream& in, const BatchResultSink& sink, std::ostream& err,
+                              const std::string& source, const BatchJudge* judge)
+{
+    // The text answers stay empty: every row went to the sink.
+    std::ostream none{nullptr};
+    return run_batch(in, none, err, source, judge, &sink);
 }
 
 }  // namespace nimbara

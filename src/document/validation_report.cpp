@@ -8,6 +8,7 @@
 #include "foundation/list_helpers.hpp"
 #include "validation/guia_rules.hpp"
 #include "validation/line_validator.hpp"
+#include "document/possible_values_of_line.hpp"
 #include "validation/possible_values.hpp"
 
 namespace nimbara::document {
@@ -102,35 +103,18 @@ std::optional<std::string_view> sentence(std::int32_t number)
     }
 }
 
-bool is_weight_error(std::int32_t number) { return number == -3 || (number >= -20 && number <= -17); }
-
-// What would have been accepted, from the fields that precede the failing one; nothing for errors
-// that have no such question.
+// The report's question for a failed line, from the cells of its row.
 std::optional<validation::PossibleValues> possible_values(std::int32_t number, const Row& r,
                                                           const validation::RuleCatalogue& catalogue)
 {
-    using namespace validation;
-    const auto product = r.text(guia::B_Produto), zone = r.text(guia::A_Zona_Taxacao);
-    const auto speed = r.text(guia::E_Velocidade), format = r.text(guia::Formato);
-    const auto pre = r.text(guia::PreTratamento);
-    if (is_weight_error(number)) return GetPossibleValues_Peso(product, zone, catalogue);
-    switch (number) {
-    case -2: return GetPossibleValues_ZonaTaxacao(product, catalogue);
-    case -4: return GetPossibleValues_Velocidade(product, zone, r.number(guia::Escalao), catalogue);
-    case -5: return GetPossibleValues_Formato(product, zone, speed, r.number(guia::Escalao), catalogue);
-    case -6: return GetPossibleValues_PreTratamento(product, zone, speed, format, r.number(guia::Escalao), catalogue);
-    case -7: return GetPossibleValues_Desconto(product, zone, speed, format, pre, r.number(guia::Escalao), catalogue);
-    case -8: return GetPossibleValues_AmbitoDistribuicao(product, zone, speed, format, pre, r.number(guia::Escalao), catalogue);
-    case -21:
-        // The weight step stands where the scope belongs and the scope, as a number, where the
-        // weight belongs: the call has always been made so.
-        return GetPossibleValues_AmostraDireta(product, zone, speed, format, pre, r.text(guia::Escalao),
-                                               r.number(guia::CodAmbitoDist), catalogue);
-    case -10:
-        return GetPossibleValues_ServicosEspeciais(product, zone, speed, format, pre, r.text(guia::Desconto),
-                                                   r.number(guia::Escalao), catalogue);
-    default: return std::nullopt;
-    }
+    FailedLine line{r.text(guia::B_Produto), r.text(guia::A_Zona_Taxacao), r.text(guia::E_Velocidade),
+                    r.text(guia::Formato),   r.text(guia::PreTratamento),  r.text(guia::Desconto),
+                    r.text(guia::Escalao),   0,
+                    [&r] { return r.number(guia::CodAmbitoDist); }};
+    // The weight is read only by the questions that take it, as a weight that is no number ends the report.
+    if (number == -4 || number == -5 || number == -6 || number == -7 || number == -8 || number == -10)
+        line.weight = r.number(guia::Escalao);
+    return possible_values_of_line(number, line, catalogue);
 }
 
 void open_listing(std::string& out)
@@ -139,7 +123,8 @@ void open_listing(std::string& out)
     add_line(out, "Valores Possiveis: ", "");
 }
 
-void append_listing(std::string& out, std::int32_t number, const Row& r, const validation::RuleCatalogue& catalogue)
+void append_listing(std::string& out, std::int32_t number, const Row& r, const validation::RuleCatalogue& catalogue,
+                    LineError& line)
 {
     if (const auto s = sentence(number)) {
         open_listing(out);
@@ -153,7 +138,9 @@ void append_listing(std::string& out, std::int32_t number, const Row& r, const v
     if (rows == nullptr || rows->empty()) return;
     open_listing(out);
     const bool ranges = is_weight_error(number);
+    line.weight_steps = ranges;
     for (const auto& v : *rows) {
+        line.possible_values.push_back({v.code, v.label});
         add_line(out, ranges ? "Minimo = " : "Codigo = ", v.code);
         add_line(out, ranges ? "Maximo = " : "Designacao = ", v.label);
     }
@@ -167,7 +154,7 @@ std::string description_text(const ErrorArray& e)
 }
 
 void append_line_block(std::string& out, const Row& r, int row, const ErrorArray& e,
-                       const validation::RuleCatalogue& catalogue)
+                       const validation::RuleCatalogue& catalogue, LineError& line)
 {
     out += kBreak;
     add_line(out, "Ordem Insercao = ", std::to_string(row + 1));
@@ -177,7 +164,7 @@ void append_line_block(std::string& out, const Row& r, int row, const ErrorArray
     add_line(out, "Descricao = ", description_text(e));
     if (const auto* list = std::get_if<ListArray>(&e.description))
         add_line(out, "Servicos Especiais Errados = ", GlobalFrameWork::Array2String(*list));
-    append_listing(out, e.number, r, catalogue);
+    append_listing(out, e.number, r, catalogue, line);
     add_line(out, "------", "");
 }
 
@@ -201,8 +188,9 @@ ValidationReport build_validation_report(const GuiaArrays& guia, const validatio
         const Row r(lines, row);
         if (const auto error = validate_line(r, catalogue)) {
             report.errors = true;
-            append_line_block(out, r, row, *error, catalogue);
-            report.line_errors.push_back({row, std::string(r.text(guia::N_Linha)), *error});
+            LineError line{row, std::string(r.text(guia::N_Linha)), *error};
+            append_line_block(out, r, row, *error, catalogue, line);
+            report.line_errors.push_back(std::move(line));
         }
     }
     if (report.errors) return report;

@@ -70,7 +70,7 @@ TEST_P(DbListingTest, ListsInEachFormat)
 
 TEST_P(DbListingTest, ExportsWithServices)
 {
-    auto r = program("export --year 2024 --month 3 --sep '|'");
+    auto r = program("export --format legacy --year 2024 --month 3 --sep '|'");
     ASSERT_EQ(r.status, 0) << r.err;
     auto lines = split_lines(r.out);
     ASSERT_EQ(lines.size(), 4u) << r.out;
@@ -79,7 +79,7 @@ TEST_P(DbListingTest, ExportsWithServices)
     EXPECT_NE(lines[1].find("|CAMP|01 - "), std::string::npos) << lines[1];
     EXPECT_EQ(lines[1].substr(lines[1].size() - 6), "|3,00|");
 
-    r = program("export --client 1002 --sep ,");
+    r = program("export --format legacy --client 1002 --sep ,");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_NE(r.out.find(",Alfa  \"Lda\","), std::string::npos) << "the separator inside a value becomes a blank";
 }
@@ -92,7 +92,7 @@ TEST_P(DbListingTest, RefusesBadInput)
         {"list --order n_linha", "has \"_linha\", which is no word"},
         {"list --year dois", "the year \"dois\" is no whole number"},
         {"export --client x", "nimbara db export: the client number \"x\" is no whole number"},
-        {"export --sep ''", "--sep must not be empty"},
+        {"export --format legacy --sep ''", "--sep must not be empty"},
     };
     for (const auto& c : cases) {
         const auto r = program(c.args);

@@ -14,6 +14,9 @@ lib=$(find "$prefix" -name 'libnimbara.so.5.3.15')
 [[ -n $lib ]] || { echo "libnimbara.so.5.3.15 not installed" >&2; exit 1; }
 [[ $(objdump -p "$lib" | awk '/SONAME/ {print $2}') == libnimbara.so.5 ]] || { echo "wrong SONAME" >&2; exit 1; }
 [[ -x $prefix/bin/nimbara ]] || { echo "the program is not installed" >&2; exit 1; }
+for schema in guia-file client-file; do
+  [[ -f $prefix/share/nimbara/schema/$schema.schema.json ]] || { echo "the $schema schema is not installed" >&2; exit 1; }
+done
 [[ ! -e $prefix/include/foundation ]] || { echo "private headers installed" >&2; exit 1; }
 
 # Every exported symbol of ours lives in the nimbara namespace and is declared in a public header.

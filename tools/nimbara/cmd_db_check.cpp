@@ -8,10 +8,12 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "json_output.hpp"
 #include "line_batch_command.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
 #include "nimbara/guia_file.hpp"
+#include "verdict_json.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -20,7 +22,15 @@ struct CheckOptions {
     std::string conn;
     std::int32_t n_req = 0;
     std::string file;
+    bool json = false;
 };
+
+nlohmann::json verdict(const ValidationResult& result)
+{
+    nlohmann::json j = {{"passed", !result}};
+    if (result) j.update(error_json(*result));
+    return j;
+}
 
 // The services of a line as the batch writes them, codes joined by ","; the empty text is no list.
 ListArray split_services(std::string_view text)
@@ -49,6 +59,7 @@ int check_guia(const CheckOptions& o)
 
     cls_ValProdutos validator(db);
     bool passed = true;
+    auto lines = nlohmann::json::array();
     for (std::size_t i = 1; i <= guia.mColLinha.Count(); ++i) {
         const cls_Guia_Linha& l = guia.mColLinha.Item(i);
         ListArray services;
@@ -58,11 +69,22 @@ int check_guia(const CheckOptions& o)
                                                       l.vF_Formato, l.vG_Pre_Tratamento > 0, l.vH_Descontos,
                                                       l.vN_Ambito_Distrib, services);
         passed = passed && !result;
-        std::cout << batch_result_text(result) << '\n';
+        if (o.json) {
+            nlohmann::json line = {{"N_Linha", l.vNLinha}};
+            line.update(verdict(result));
+            lines.push_back(std::move(line));
+        } else {
+            std::cout << batch_result_text(result) << '\n';
+        }
     }
     const auto result = validator.DoValidaGuia(o.n_req);
-    std::cout << batch_result_text(result) << '\n';
-    return passed && !result ? 0 : 1;
+    const int status = passed && !result ? 0 : 1;
+    if (o.json)
+        write_json(std::cout, nlohmann::ordered_json{{"N_Req", o.n_req}, {"status", status}, {"lines", lines},
+                                                     {"guia", verdict(result)}});
+    else
+        std::cout << batch_result_text(result) << '\n';
+    return status;
 }
 
 ValidationResult judge_row(cls_ValProdutos& validator, const BatchRow& row)
@@ -84,26 +106,30 @@ void register_db_check(CLI::App& db, int& status)
                                              "result per line, then the Guia's");
     check->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*check, o->conn);
+    check->add_flag("--json", o->json, "Write the results as one JSON document: each line's and the Guia's");
     check->footer("Each result is 0, or the error number, a tab and its description. The program's own "
                   "Tbl_Temp_Val_Guia holds this Guia only.\nExit status: 0 all passed, 1 a line or the Guia failed, 2 no such "
                   "Guia or the database could not be read.");
-    check->callback([o, &status] { status = run_db_command("check", std::cerr, [&] { return check_guia(*o); }); });
+    check->callback([o, &status] {
+        status = run_db_command("check", o->json, std::cout, std::cerr, [&] { return check_guia(*o); });
+    });
 
     auto* lines = db.add_subcommand("check-lines", "Validate product lines against the rule tables of the database; "
                                                    "the same rows and results as check-lines");
     lines->add_option("FILE", o->file, "The batch file; standard input when omitted or -");
     add_db_option(*lines, o->conn);
+    lines->add_flag("--json", o->json, "Write the results as one JSON document");
     lines->footer("The sampling column is read and ignored; a pre-treatment above 0 is selected.\nExit status: 0 every "
                   "row was judged (failing lines included), 2 a row could not be judged, the input could not be "
                   "read or the database could not be opened.");
     lines->callback([o, &status] {
-        status = run_db_command("check-lines", std::cerr, [&] {
+        status = run_db_command("check-lines", o->json, std::cout, std::cerr, [&] {
             const auto db = open_command_database(o->conn);
             cls_ValProdutos validator(db);
             // The whole batch is judged against one state of the rule tables, read once.
             Transaction reading(*db, TransactionMode::Reading);
             const BatchJudge judge = [&validator](const BatchRow& row) { return judge_row(validator, row); };
-            return run_line_batch("db check-lines", o->file, &judge);
+            return run_line_batch("db check-lines", o->file, &judge, o->json);
         });
     });
 }

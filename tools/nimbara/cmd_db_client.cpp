@@ -14,7 +14,10 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "delimited.hpp"
+#include "json_output.hpp"
 #include "nimbara/cls_Cliente.hpp"
+#include "standard_streams.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -25,6 +28,7 @@ struct ClientOptions {
     std::string conn;
     std::string file;
     std::int32_t cod = 0;
+    bool json = false;
 };
 
 // Reads the keys of one object into the properties they name; a key of no property, or a value of
@@ -105,10 +109,11 @@ void require_whole(const std::string& text, const std::string& place)
     if (!digits) throw CommandError(place + ": \"" + text + "\" is no whole number");
 }
 
-// The client file's text; a folder, an unreadable or an over-long file is refused by name.
+// The client file's text (standard input for "-"); a folder, an unreadable or an over-long file is refused by name.
 std::string read_client_file(const std::string& path)
 {
     constexpr std::size_t kMaxBytes = 16u << 20;
+    if (path == "-") return read_standard_input(kMaxBytes);
     std::error_code ec;
     if (std::filesystem::is_directory(path, ec)) throw CommandError(path + ": is a folder, not a file");
     std::ifstream in(path, std::ios::binary);
@@ -133,6 +138,9 @@ std::string plain(const char* message)
     return std::string(m);
 }
 
+// The name messages give the file: "<stdin>" for standard input.
+std::string source(const std::string& file) { return file == "-" ? "<stdin>" : file; }
+
 int save(const ClientOptions& o)
 {
     ordered_json root;
@@ -140,16 +148,16 @@ int save(const ClientOptions& o)
         root = ordered_json::parse(read_client_file(o.file));
     } catch (const ordered_json::exception& e) {
         // Malformed, cut short or not UTF-8: the parser names the line and column.
-        throw CommandError(o.file + ": " + plain(e.what()));
+        throw CommandError(source(o.file) + ": " + plain(e.what()));
     }
     const auto db = open_command_database(o.conn);
     cls_Cliente c(db);
-    ObjectReader r(root, o.file + ": ");
+    ObjectReader r(root, source(o.file) + ": ");
     r.know({"vCod_Cliente", "vNome", "iTipoCliente", "vMorada", "vLocalidade", "vCodPostal", "vDesigPostal", "vNIF",
             "vObservacoes", "iAcessoRede", "contratos"});
     std::string cod;
     r.text("vCod_Cliente", cod);
-    require_whole(cod, o.file + ": /vCod_Cliente");
+    require_whole(cod, source(o.file) + ": /vCod_Cliente");
     std::string lookup = cod;
     if (c.Busca_Cliente(lookup)) c.SelectMeByCod_Cliente(static_cast<std::int32_t>(FieldValue(cod).integer()));
     c.vCod_Cliente = cod;
@@ -164,9 +172,9 @@ int save(const ClientOptions& o)
     r.number("iAcessoRede", c.iAcessoRede);
     std::set<std::int64_t> seen;
     if (const auto* list = r.take("contratos")) {
-        if (!list->is_array()) throw CommandError(o.file + ": /contratos: expected a list");
+        if (!list->is_array()) throw CommandError(source(o.file) + ": /contratos: expected a list");
         for (std::size_t i = 0; i < list->size(); ++i) {
-            const std::string place = o.file + ": /contratos/" + std::to_string(i);
+            const std::string place = source(o.file) + ": /contratos/" + std::to_string(i);
             ObjectReader cr((*list)[i], place);
             cr.know({"vCodContrato", "vDesignacao", "vJppCredenciado", "vCodCredencial", "vValidacao", "vDescricao",
                      "bActivo"});
@@ -203,13 +211,17 @@ int save(const ClientOptions& o)
     // A new contract is stored active; the second save within the same transaction writes the
     // active mark the file gives.
     Transaction t(*db, TransactionMode::Numbering);
-    if (!c.DoSaveNumerado()) throw CommandError(o.file + ": nothing was stored: " + c.LastError());
+    if (!c.DoSaveNumerado()) throw CommandError(source(o.file) + ": nothing was stored: " + c.LastError());
     c.vIsNew = false;
     for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) c.mColContrato.Item(j).vIsNew = false;
     c.DoSave();
-    if (!c.LastError().empty()) throw CommandError(o.file + ": nothing was stored: " + c.LastError());
+    if (!c.LastError().empty()) throw CommandError(source(o.file) + ": nothing was stored: " + c.LastError());
     t.commit();
-    std::cout << c.iId_Cliente << '\t' << c.vCod_Cliente << '\n';
+    if (o.json)
+        write_json(std::cout, nlohmann::ordered_json{{"input", o.file}, {"status", 0}, {"Id_Cliente", c.iId_Cliente},
+                                                     {"Cod_Cliente", c.vCod_Cliente}});
+    else
+        std::cout << c.iId_Cliente << '\t' << c.vCod_Cliente << '\n';
     return 0;
 }
 
@@ -237,7 +249,7 @@ int show(const ClientOptions& o)
                                     {"vValidacao", k.vValidacao}, {"vDescricao", k.vDescricao},
                                     {"bActivo", k.bActivo}});
     }
-    std::cout << out.dump(2) << '\n';
+    write_json(std::cout, out);
     return 0;
 }
 
@@ -248,6 +260,16 @@ int list(const ClientOptions& o)
     c.SelectAll(rs);
     const char* columns[] = {"Id_Cliente", "Cod_Cliente", "Nome", "iTipoCliente", "Morada", "Localidade",
                              "Cod_Postal", "Desig_Postal", "NContribuinte", "Observacoes", "IAcessoRede"};
+    if (o.json) {
+        auto rows = ordered_json::array();
+        for (; !rs.IsEOF(); rs.MoveNext()) {
+            ordered_json row;
+            for (const char* column : columns) row[column] = json_value(rs[column]);
+            rows.push_back(std::move(row));
+        }
+        write_json(std::cout, ordered_json{{"status", 0}, {"clients", rows}});
+        return 0;
+    }
     for (std::size_t i = 0; i < std::size(columns); ++i) std::cout << (i ? "\t" : "") << columns[i];
     std::cout << '\n';
     for (; !rs.IsEOF(); rs.MoveNext()) {
@@ -282,15 +304,26 @@ void register_db_client(CLI::App& db, int& status)
         auto* cmd = client->add_subcommand(name, help);
         add_db_option(*cmd, o->conn);
         cmd->callback([o, &status, name, body] {
-            status = run_db_command(std::string("client ") + name, std::cerr, [&] { return body(*o); });
+            status = run_db_command(std::string("client ") + name, o->json, std::cout, std::cerr, [&] { return body(*o); });
         });
         return cmd;
     };
-    add("save", "Create or update a client and its contracts from a JSON file; print Id_Cliente and Cod_Cliente", save)
-        ->add_option("CLIENT", o->file, "The client file (JSON)")
+    // The commands that answer data: a refusal is then JSON on standard output too.
+    const auto with_json = [&](CLI::App* cmd, const char* help) {
+        cmd->add_flag("--json", o->json, help);
+        return cmd;
+    };
+    with_json(add("save", "Create or update a client and its contracts from a JSON file; print Id_Cliente and Cod_Cliente",
+                  save),
+              "Write {\"input\", \"status\", \"Id_Cliente\", \"Cod_Cliente\"} as JSON")
+        ->add_option("CLIENT", o->file, "The client file (JSON); - reads standard input")
         ->required();
-    add("show", "Write a client with its contracts as JSON", show)->add_option("COD", o->cod, "The client number")->required();
-    add("list", "Print every client as TSV with a header line", list);
+    with_json(add("show", "Write a client with its contracts as JSON (a client file)", show),
+              "The client is JSON already; a refusal is then JSON on standard output too")
+        ->add_option("COD", o->cod, "The client number")
+        ->required();
+    with_json(add("list", "Print every client as TSV with a header line", list),
+              "Write {\"status\", \"clients\": [...]} as JSON");
     add("delete", "Delete a client with its contracts and Guias", remove)
         ->add_option("COD", o->cod, "The client number")
         ->required();

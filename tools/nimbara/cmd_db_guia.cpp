@@ -5,6 +5,7 @@
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
+#include "json_output.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/guia_file.hpp"
@@ -17,20 +18,31 @@ struct GuiaOptions {
     std::string conn;
     std::string file;
     std::int32_t n_req = 0;
+    bool json = false;
 };
 
 int save(const GuiaOptions& o)
 {
-    const GuiaFile file = read_guia_file(o.file);
+    const GuiaFile file = read_guia_input(o.file);
     const auto db = open_command_database(o.conn);
-    const SavedGuia saved = save_guia_file(db, file, o.file);
-    std::cout << saved.N_Req << '\t' << saved.N_Req2 << '\t' << saved.Id_Req_Anual << '\n';
+    const SavedGuia saved = save_guia_file(db, file, o.file == "-" ? "<stdin>" : o.file);
+    if (!o.json) std::cout << saved.N_Req << '\t' << saved.N_Req2 << '\t' << saved.Id_Req_Anual << '\n';
     // Stored all the same: the site learns now rather than at the counter.
     cls_Impressao printer(db);
     printer.set_log_path(default_print_log());
-    for (const auto& p : printer.PrintProblems(saved.N_Req))
+    auto warnings = nlohmann::ordered_json::array();
+    for (const auto& p : printer.PrintProblems(saved.N_Req)) {
         std::cerr << "nimbara db save: warning: Guia " << saved.N_Req << " will not print by the database edition: "
                   << p.place << ": " << p.what << '\n';
+        warnings.push_back({{"place", p.place}, {"what", p.what}});
+    }
+    if (o.json)
+        write_json(std::cout, nlohmann::ordered_json{{"input", o.file},
+                                                     {"status", 0},
+                                                     {"N_Req", saved.N_Req},
+                                                     {"N_Req2", saved.N_Req2},
+                                                     {"Id_Req_Anual", saved.Id_Req_Anual},
+                                                     {"not_printable", warnings}});
     return 0;
 }
 
@@ -58,9 +70,13 @@ void register_db_guia(CLI::App& db, int& status)
 {
     auto o = std::make_shared<GuiaOptions>();
     auto* save_cmd = db.add_subcommand("save", "Store a Guia file as a new Guia with fresh numbers; print N_Req, N_Req2 and Id_Req_Anual");
-    save_cmd->add_option("GUIA", o->file, "The Guia file (JSON), as check and print read it")->required();
+    save_cmd->add_option("GUIA", o->file, "The Guia file (JSON), as check and print read it; - reads standard input")->required();
     add_db_option(*save_cmd, o->conn);
-    save_cmd->callback([o, &status] { status = run_db_command("save", std::cerr, [&] { return save(*o); }); });
+    save_cmd->add_flag("--json", o->json,
+                       "Write {\"input\", \"status\", \"N_Req\", \"N_Req2\", \"Id_Req_Anual\", \"not_printable\"} as JSON");
+    save_cmd->callback([o, &status] {
+        status = run_db_command("save", o->json, std::cout, std::cerr, [&] { return save(*o); });
+    });
 
     auto* show_cmd = db.add_subcommand("show", "Write a stored Guia as a Guia file");
     show_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();

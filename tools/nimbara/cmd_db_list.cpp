@@ -4,10 +4,10 @@
 
 #include <iostream>
 #include <memory>
-#include <variant>
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "delimited.hpp"
 #include "guia_listing.hpp"
 
 namespace nimbara::cli {
@@ -17,53 +17,12 @@ struct ListOptions : ListingOptions {
     std::string format = "tsv";
 };
 
-// A tab-separated cell must not break its row: tabs and line breaks become blanks.
-std::string tsv_cell(const std::string& text)
-{
-    std::string t = text;
-    for (char& c : t)
-        if (c == '\t' || c == '\n' || c == '\r') c = ' ';
-    return t;
-}
-
-// Quoted when a spreadsheet would otherwise split or trim the cell, with its quotes doubled.
-std::string csv_cell(const std::string& text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos && (text.empty() || (text.front() != ' ' && text.back() != ' ')))
-        return text;
-    std::string out = "\"";
-    for (char c : text) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + '"';
-}
-
-// Numbers and yes/no as JSON has them, Null as null, everything else (dates too) as its text.
-nlohmann::ordered_json json_value(const FieldValue& v)
-{
-    const auto& a = v.alternatives();
-    if (v.is_null()) return nullptr;
-    if (const auto* i = std::get_if<std::int64_t>(&a)) return *i;
-    if (const auto* d = std::get_if<double>(&a)) return *d;
-    if (const auto* b = std::get_if<bool>(&a)) return *b;
-    return v.text();
-}
-
-void write_row(std::ostream& out, const std::string& format, const std::vector<std::string>& cells)
-{
-    const bool csv = format == "csv";
-    for (std::size_t c = 0; c < cells.size(); ++c)
-        out << (c ? (csv ? "," : "\t") : "") << (csv ? csv_cell(cells[c]) : tsv_cell(cells[c]));
-    // Spreadsheets take a CSV record's end as CR LF.
-    out << (csv ? "\r\n" : "\n");
-}
-
 int list(const ListOptions& o)
 {
     cls_Guia guia(open_command_database(o.conn));
     const auto& columns = listing_columns();
     const bool json = o.format == "json";
+    const TableFormat table_format = o.format == "csv" ? TableFormat::Csv : TableFormat::Tsv;
     auto& out = std::cout;
     std::vector<std::size_t> at(columns.size());  // each listed column's place in the store's row
     std::vector<std::string> cells(columns.size());
@@ -77,7 +36,7 @@ int list(const ListOptions& o)
                                if (json)
                                    out << '[';
                                else
-                                   write_row(out, o.format, columns);
+                                   write_record(out, table_format, columns);
                            },
                        .row = [&](std::span<FieldValue> values) {
                            if (json) {
@@ -87,7 +46,7 @@ int list(const ListOptions& o)
                                out << (first ? "\n" : ",\n") << row.dump();
                            } else {
                                for (std::size_t c = 0; c < columns.size(); ++c) cells[c] = values[at[c]].text();
-                               write_row(out, o.format, cells);
+                               write_record(out, table_format, cells);
                            }
                            first = false;
                        }});
@@ -102,8 +61,19 @@ void register_db_list(CLI::App& db, int& status)
     auto* cmd = db.add_subcommand("list", "Print the lines of the stored Guias, one a row with a header line");
     auto o = std::make_shared<ListOptions>();
     add_listing_options(*cmd, *o);
-    cmd->add_option("--format", o->format, "tsv (default), csv or json")->check(CLI::IsMember({"tsv", "csv", "json"}));
-    cmd->callback([o, &status] { status = run_db_command("list", std::cerr, [&] { return list(*o); }); });
+    auto* format = cmd->add_option("--format", o->format, "tsv (default), csv (RFC 4180, as db export writes it) or json")
+                       ->check(CLI::IsMember({"tsv", "csv", "json"}));
+    auto json = std::make_shared<bool>(false);
+    cmd->add_flag("--json", *json, "The same as --format json");
+    cmd->callback([o, json, format, &status] {
+        status = run_db_command("list", *json || o->format == "json", std::cout, std::cerr, [&] {
+            if (*json && format->count() > 0 && o->format != "json")
+                throw CommandError("--json and --format " + o->format + " ask for two formats; give one");
+            ListOptions chosen = *o;
+            if (*json) chosen.format = "json";
+            return list(chosen);
+        });
+    });
 }
 
 }  // namespace nimbara::cli

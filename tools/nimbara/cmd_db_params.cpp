@@ -8,6 +8,7 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "json_output.hpp"
 #include "nimbara/ImpressaoComum.hpp"
 #include "nimbara/cls_Parametro.hpp"
 
@@ -17,6 +18,7 @@ namespace {
 struct ParamsOptions {
     std::string conn;
     std::vector<std::string> assignments;
+    bool json = false;
 };
 
 // A setting without a stored value shows the value the entity reads in its place, marked.
@@ -36,14 +38,18 @@ int show(const ParamsOptions& o)
             &defaults.vGuiaMargensTopo, &defaults.vGuiaMargensEsquerda, &defaults.vCodTerceiro};
         return *values[i];
     };
+    nlohmann::ordered_json settings;
     for (std::size_t i = 0; i < cls_Parametro::kSettings; ++i) {
-        std::cout << cls_Parametro::PropertyNames()[i] << '\t';
+        const char* name = cls_Parametro::PropertyNames()[i];
         const char* column = cls_Parametro::ColumnNames()[i];
-        if (row && !stored[column].is_null())
-            std::cout << stored[column].text() << '\n';
+        const bool set = row && !stored[column].is_null();
+        const std::string value = set ? stored[column].text() : fallback(i);
+        if (o.json)
+            settings[name] = {{"value", value}, {"set", set}};
         else
-            std::cout << fallback(i) << "\tnot set\n";
+            std::cout << name << '\t' << value << (set ? "\n" : "\tnot set\n");
     }
+    if (o.json) write_json(std::cout, nlohmann::ordered_json{{"status", 0}, {"settings", settings}});
     if (!row)
         std::cerr << "nimbara db params: Tbl_Parametro has no row: the values shown are not set, and db print refuses "
                      "until they are (nimbara db params set NAME=VALUE...)\n";
@@ -106,6 +112,8 @@ void register_db_params(CLI::App& db, int& status)
                                             "a setting that is not stored is marked \"not set\" in a third column");
     auto o = std::make_shared<ParamsOptions>();
     add_db_option(*cmd, o->conn);
+    cmd->add_flag("--json", o->json,
+                  "Write the settings as one JSON document: {\"status\", \"settings\": {NAME: {\"value\", \"set\"}}}");
     auto* set_cmd = cmd->add_subcommand("set", "Check and save settings given as NAME=VALUE");
     set_cmd->add_option("ASSIGNMENT", o->assignments, "NAME=VALUE, NAME one of the names `params` prints")->required();
     set_cmd->footer("Margins (vGuiaMargensTopo, vGuiaMargensEsquerda) are whole twips, 567 to 10 millimetres, or "
@@ -116,7 +124,7 @@ void register_db_params(CLI::App& db, int& status)
     set_cmd->callback([o, &status] { status = run_db_command("params set", std::cerr, [&] { return set(*o); }); });
     cmd->callback([set_cmd, o, &status] {
         if (set_cmd->parsed()) return;
-        status = run_db_command("params", std::cerr, [&] { return show(*o); });
+        status = run_db_command("params", o->json, std::cout, std::cerr, [&] { return show(*o); });
     });
 }
 

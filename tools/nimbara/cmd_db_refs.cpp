@@ -5,6 +5,8 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "delimited.hpp"
+#include "json_output.hpp"
 #include "nimbara/cls_Ref.hpp"
 
 namespace nimbara::cli {
@@ -14,6 +16,7 @@ struct RefsOptions {
     std::string conn;
     std::string name;
     bool active = false;
+    bool json = false;
 };
 
 using Maker = std::unique_ptr<RefList> (*)(std::shared_ptr<Database>);
@@ -57,6 +60,16 @@ int refs(const RefsOptions& o)
     // The columns as the schema spells them, whatever case the store reports them in.
     std::vector<std::string> columns = {"Codigo", "Designacao", "Activo", "Observacoes"};
     if (o.name == "refcliente") columns.resize(2);
+    if (o.json) {
+        auto rows = nlohmann::ordered_json::array();
+        for (; !rs.IsEOF(); rs.MoveNext()) {
+            nlohmann::ordered_json row;
+            for (const auto& c : columns) row[c] = json_value(rs[c]);
+            rows.push_back(std::move(row));
+        }
+        write_json(std::cout, nlohmann::ordered_json{{"list", o.name}, {"status", 0}, {"rows", rows}});
+        return 0;
+    }
     for (std::size_t c = 0; c < columns.size(); ++c) std::cout << (c ? "\t" : "") << columns[c];
     std::cout << '\n';
     for (; !rs.IsEOF(); rs.MoveNext()) {
@@ -76,8 +89,11 @@ void register_db_refs(CLI::App& db, int& status)
     for (const auto& [name, maker] : lists()) names.push_back(name);
     cmd->add_option("NAME", o->name, "The list")->required()->check(CLI::IsMember(names));
     cmd->add_flag("--active", o->active, "Only the active rows (the client references have no such mark: all rows)");
+    cmd->add_flag("--json", o->json, "Write the list as one JSON document: {\"list\", \"status\", \"rows\": [...]}");
     add_db_option(*cmd, o->conn);
-    cmd->callback([o, &status] { status = run_db_command("refs", std::cerr, [&] { return refs(*o); }); });
+    cmd->callback([o, &status] {
+        status = run_db_command("refs", o->json, std::cout, std::cerr, [&] { return refs(*o); });
+    });
 }
 
 }  // namespace nimbara::cli

@@ -1,5 +1,11 @@
 // nimbara form: prints the empty form of one edition as a test page to hold against pre-printed paper.
+#include <stdlib.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -7,6 +13,7 @@
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "nimbara/PdfSurface.hpp"
+#include "standard_streams.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -22,9 +29,36 @@ struct FormOptions {
     double top = 0;
 };
 
+// The PNG of page 1 as bytes: rendered into a private folder that is removed at once.
+std::string png_bytes(const PdfSurface& surface, double dpi)
+{
+    char name[] = "/tmp/nimbara-form-XXXXXX";
+    if (::mkdtemp(name) == nullptr) throw std::runtime_error(std::string("cannot make a temporary folder: ") + std::strerror(errno));
+    const std::filesystem::path folder = name;
+    std::string bytes;
+    try {
+        surface.render_png(1, dpi, folder / "form.png");
+        std::ifstream in(folder / "form.png", std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(in), {});
+    } catch (...) {
+        std::filesystem::remove_all(folder);
+        throw;
+    }
+    std::filesystem::remove_all(folder);
+    return bytes;
+}
+
 int print_form(const FormOptions& o)
 {
-    PdfSurface surface{std::filesystem::path(o.out)};
+    if (o.out == "-" && o.png == "-") {
+        std::cerr << "nimbara form: --out - and --png - both want standard output; name a file for one of them\n";
+        return 2;
+    }
+    // With "-" the document is kept in memory and written to standard output once whole.
+    std::string pdf;
+    const auto made = o.out == "-" ? std::make_unique<PdfSurface>([&pdf](int, std::string bytes) { pdf = std::move(bytes); })
+                                   : std::make_unique<PdfSurface>(std::filesystem::path(o.out));
+    PdfSurface& surface = *made;
     try {
         // As the print drive prepares the printer: A4 landscape.
         surface.setOrientation(printer::kLandscape);
@@ -40,9 +74,13 @@ int print_form(const FormOptions& o)
     ImpressaoComum& printer = o.edition == "database" ? static_cast<ImpressaoComum&>(database) : array;
     printer.SetPageOffsets(o.left, o.top);
     printer.PrintTestPage(surface, form_impressao(), o.copy, o.date);
+    std::string png;
     try {
         surface.EndDoc();
-        if (!o.png.empty()) surface.render_png(1, o.dpi, o.png);
+        if (o.png == "-") png = png_bytes(surface, o.dpi);
+        else if (!o.png.empty()) surface.render_png(1, o.dpi, o.png);
+        if (o.out == "-") write_standard_output(pdf);
+        if (o.png == "-") write_standard_output(png);
     } catch (const std::exception& e) {
         // The command makes both files or neither.
         std::error_code ignored;
@@ -50,8 +88,10 @@ int print_form(const FormOptions& o)
         std::cerr << "nimbara form: " << e.what() << '\n';
         return 2;
     }
-    std::cout << surface.written().front().string() << '\n';
-    if (!o.png.empty()) std::cout << o.png << '\n';
+    // The names written go to standard output, unless it holds a document.
+    std::ostream& names = o.out == "-" || o.png == "-" ? std::cerr : std::cout;
+    if (o.out != "-") names << surface.written().front().string() << '\n';
+    if (!o.png.empty() && o.png != "-") names << o.png << '\n';
     return 0;
 }
 
@@ -61,8 +101,8 @@ void register_form(CLI::App& app, int& status)
 {
     auto* cmd = app.add_subcommand("form", "Print the empty form of one edition as a test page (A4 landscape PDF)");
     auto o = std::make_shared<FormOptions>();
-    cmd->add_option("--out", o->out, "The PDF file to write")->required();
-    cmd->add_option("--png", o->png, "Also render the page to this PNG file");
+    cmd->add_option("--out", o->out, "The PDF file to write; - writes it to standard output")->required();
+    cmd->add_option("--png", o->png, "Also render the page to this PNG file; - writes it to standard output");
     cmd->add_option("--dpi", o->dpi, "Resolution of the PNG (default 150)")->check(CLI::Range(10.0, 2400.0));
     cmd->add_option("--edition", o->edition, "array (headless road, default) or database")
         ->check(CLI::IsMember({"array", "database"}));

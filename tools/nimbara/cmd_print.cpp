@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include "commands.hpp"
 #include "guia_command.hpp"
+#include "json_output.hpp"
 #include "nimbara/PdfSurface.hpp"
+#include "standard_streams.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -19,36 +22,70 @@ struct PrintRun {
 int print_guias(PrintRun run)
 {
     std::shared_ptr<PdfSurface> batch;
+    // With --one-file - the PDF is standard output, and the answers go to standard error instead.
+    const bool to_stdout = run.one_file == "-";
+    if (to_stdout && run.guia.json) {
+        const std::string message = "--one-file - and --json both want standard output; name a file for the PDF";
+        std::cerr << "nimbara print: " << message << '\n';
+        write_json(std::cout, refusal_json("nimbara print", message));
+        return 2;
+    }
+    auto pdf = std::make_shared<std::string>();
     if (!run.one_file.empty()) {
         try {
-            batch = std::make_shared<PdfSurface>(std::filesystem::path(run.one_file));
+            batch = to_stdout ? std::make_shared<PdfSurface>([pdf](int, std::string bytes) { *pdf = std::move(bytes); })
+                              : std::make_shared<PdfSurface>(std::filesystem::path(run.one_file));
             batch->BeginBatch();
         } catch (const std::exception& e) {
             std::cerr << "nimbara print: " << e.what() << '\n';
+            if (run.guia.json) write_json(std::cout, refusal_json("nimbara print", e.what()));
             return 2;
         }
         run.guia.printer = batch;
     }
     int status = 0;
+    // With --json: one result for one Guia file, an array of them for several.
+    auto results = nlohmann::json::array();
     for (const auto& file : run.guia.files) {
         run.guia.file = file;
-        status = std::max(status, run_guia(run.guia, std::cout, std::cerr, "print"));
+        nlohmann::json result;
+        status = std::max(status, run_guia(run.guia, to_stdout ? std::cerr : std::cout, std::cerr, "print", &result));
+        if (run.guia.json) results.push_back(std::move(result));
     }
-    if (!batch) return status;
+    // The batch's fate belongs to every Guia that passed into it, so the JSON is written after it.
+    const auto finish = [&](int worst, const std::optional<std::string>& unprinted) {
+        if (!run.guia.json) return worst;
+        for (auto& r : results) {
+            if (!batch || r.value("status", 2) != 0) continue;
+            if (unprinted) {
+                r["status"] = 3;
+                r["not_printed"].push_back({{"place", "/"}, {"what", *unprinted}});
+            } else {
+                r["one_file"] = to_stdout ? "-" : batch->written().empty() ? "" : batch->written().front().string();
+            }
+        }
+        write_json(std::cout, results.size() == 1 ? results[0] : results);
+        return worst;
+    };
+    if (!batch) return finish(status, std::nullopt);
     // A batch holding a Guia that did not come out whole is not written at all.
     if (*run.guia.printer_spoiled) {
-        std::cerr << "nimbara print: not printed: " << run.one_file << ": a Guia in it did not come out whole\n";
-        return std::max(status, 3);
+        const std::string why = run.one_file + ": a Guia in it did not come out whole";
+        std::cerr << "nimbara print: not printed: " << why << '\n';
+        return finish(std::max(status, 3), why);
     }
     try {
         batch->EndBatch();
+        if (to_stdout && !pdf->empty()) write_standard_output(*pdf);
     } catch (const std::exception& e) {
         std::cerr << "nimbara print: not printed: " << e.what() << '\n';
-        return std::max(status, 3);
+        return finish(std::max(status, 3), e.what());
     }
-    if (!run.guia.quiet)
-        for (const auto& pdf : batch->written()) std::cerr << "nimbara print: printed " << pdf.string() << '\n';
-    return status;
+    if (!run.guia.quiet) {
+        for (const auto& file : batch->written()) std::cerr << "nimbara print: printed " << file.string() << '\n';
+        if (to_stdout && !pdf->empty()) std::cerr << "nimbara print: printed to standard output\n";
+    }
+    return finish(status, std::nullopt);
 }
 
 }  // namespace
@@ -63,7 +100,8 @@ void register_print(CLI::App& app, int& status)
                     "Folder of the printed PDFs, one file per copy, created if missing (default: the report folder)");
     cmd->add_option("--one-file", run->one_file,
                     "Print every copy of every Guia that passes into this one PDF, as one print job (for batches); "
-                    "a taken name gains -2, -3...");
+                    "a taken name gains -2, -3...; - writes it to standard output, the answers then going to standard error "
+                    "(not with --json)");
     cmd->add_option("--print-log", run->guia.print_log,
                     "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->footer("Exit status: the worst of the Guias: 0 printed, 1 a line or the Guia failed (see the report), 2 bad "

@@ -7,12 +7,16 @@
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
+#include <tuple>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "nimbara/GlobalFrameWork.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
+#include "json_output.hpp"
+#include "standard_streams.hpp"
+#include "verdict_json.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -42,20 +46,6 @@ struct Refusal : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-GuiaFile read_input(const std::string& file)
-{
-    if (file != "-") return read_guia_file(file);
-    std::string text;
-    char buffer[65536];
-    while (std::cin.read(buffer, sizeof buffer) || std::cin.gcount() > 0) {
-        text.append(buffer, static_cast<std::size_t>(std::cin.gcount()));
-        if (text.size() > kMaxGuiaFileBytes)
-            throw GuiaFileError("<stdin>: larger than " + std::to_string(kMaxGuiaFileBytes) + " bytes");
-    }
-    if (std::cin.bad()) throw GuiaFileError("<stdin>: cannot read standard input");
-    return parse_guia_file(text, "<stdin>");
-}
-
 nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems,
                        const std::vector<std::string>& warnings, int status)
 {
@@ -66,17 +56,12 @@ nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& p
     j["pdfs"] = nlohmann::json::array();
     for (const auto& p : outcome.printed) j["pdfs"].push_back(p.string());
     j["errors"] = nlohmann::json::array();
-    const auto error_json = [](const ErrorArray& e) {
-        nlohmann::json d;
-        d["number"] = e.number;
-        if (const auto* list = std::get_if<ListArray>(&e.description)) d["services"] = *list;
-        else d["description"] = std::get<std::string>(e.description);
-        return d;
-    };
     for (const auto& e : outcome.line_errors) {
         auto d = error_json(e.error);
         d["line"] = e.N_Linha;
         d["place"] = "/produtos/" + std::to_string(e.row);
+        // What the report lists as accepted in the failing field's place.
+        d["possible_values"] = possible_values_json(e.possible_values, e.weight_steps);
         j["errors"].push_back(d);
     }
     if (outcome.guia_error) {
@@ -88,13 +73,18 @@ nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& p
     for (const auto& p : problems) j["not_printed"].push_back({{"place", p.where}, {"what", p.cause}});
     for (const auto& f : outcome.print_failures) j["not_printed"].push_back({{"place", "/"}, {"what", f}});
     j["warnings"] = warnings;
-    j["exit"] = status;
+    j["status"] = status;
     return j;
 }
 
-int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command)
+int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command, nlohmann::json& document)
 {
-    const GuiaFile file = read_input(run.file);
+    for (const auto& [option, place, what] : {std::tuple{"--report-dir", run.report_dir, "the report folder"},
+                                             std::tuple{"--out-dir", run.out_dir, "the output folder"},
+                                             std::tuple{"--print-log", run.print_log, "the print log"}})
+        if (place)
+            if (const auto refused = stream_name_refusal(option, *place, what)) throw Refusal{*refused};
+    const GuiaFile file = read_guia_input(run.file);
     const std::string source = run.file == "-" ? "<stdin>" : run.file;
     // Both inputs read a weight the same way: a whole number of 32 bits (a weight not given is 0, as
     // the façade reads an empty cell).
@@ -134,6 +124,7 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
     }
     if (run.only_printer && !problems.empty()) {
         for (const auto& p : problems) err << "nimbara " << command << ": not printed: " << p.where << ": " << p.cause << '\n';
+        document = as_json(GuiaOutcome{}, problems, warnings, 3);
         return 3;
     }
 
@@ -148,11 +139,10 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         if (!whole) status = 3;
         if (run.printer && !outcome.print_failures.empty()) *run.printer_spoiled = true;
     }
-    if (run.json) {
-        out << as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status).dump(2) << '\n';
-    } else {
+    if (run.json)
+        document = as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status);
+    else
         out << guia_answer(outcome) << '\n';
-    }
     if (!run.quiet)
         for (const auto& pdf : outcome.printed) err << "nimbara " << command << ": printed " << pdf.string() << '\n';
     if (status == 3) {
@@ -166,6 +156,18 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
 }
 
 }  // namespace
+
+GuiaFile read_guia_input(const std::string& file)
+{
+    if (file != "-") return read_guia_file(file);
+    std::string text;
+    try {
+        text = read_standard_input(kMaxGuiaFileBytes);
+    } catch (const std::runtime_error& e) {
+        throw GuiaFileError(e.what());
+    }
+    return parse_guia_file(text, "<stdin>");
+}
 
 fs::path usable_folder(const std::string& what, const fs::path& folder)
 {
@@ -192,21 +194,41 @@ void add_guia_options(CLI::App& cmd, GuiaRun& r, bool many)
         if (!r.files.empty()) r.file = r.files.front();
     });
     cmd.add_option("--report-dir", r.report_dir, "Folder of the report, created if missing (default: the current folder)");
-    cmd.add_flag("--json", r.json, "Write the result as JSON: answer, report, PDFs, errors with their place");
+    cmd.add_flag("--json", r.json,
+                 many ? "Write one JSON document: per Guia file its answer, report, PDFs, errors with their place and "
+                        "possible values, and status (an array for several files; a refusal too)"
+                      : "Write one JSON document: the answer, report, errors with their place and possible values, "
+                        "and status (a refusal too)");
     cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");
     cmd.add_flag("-v,--verbose", r.verbose, "Also show the print log's debugging messages");
 }
 
-int run_guia(const GuiaRun& r, std::ostream& out, std::ostream& err, const std::string& command)
+int run_guia(const GuiaRun& r, std::ostream& out, std::ostream& err, const std::string& command,
+             nlohmann::json* document)
 {
+    nlohmann::json result;
+    int status = 2;
+    std::string refused;
     try {
-        return run(r, out, err, command);
+        status = run(r, out, err, command, result);
     } catch (const GuiaFileError& e) {
-        err << "nimbara " << command << ": " << e.what() << '\n';
+        refused = e.what();
     } catch (const Refusal& e) {
-        err << "nimbara " << command << ": " << e.what() << '\n';
+        refused = e.what();
     }
-    return 2;
+    if (!refused.empty()) {
+        err << "nimbara " << command << ": " << refused << '\n';
+        result = refusal_json("nimbara " + command, refused);
+    }
+    if (!r.json) return status;
+    // Each result names its input, so that an item of an array of several reads on its own.
+    nlohmann::json named = {{"input", r.file}};
+    if (result.is_object()) named.update(result);
+    if (document)
+        *document = std::move(named);
+    else
+        write_json(out, named);
+    return status;
 }
 
 }  // namespace nimbara::cli

@@ -2,6 +2,7 @@
 // What `print` and `check` share: read the Guia file, fill the façade, finish it with ImprimeGuia
 // and write its answer.
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <memory>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "nimbara/PageSurface.hpp"
+#include "nimbara/guia_file.hpp"
 
 namespace nimbara::cli {
 
@@ -31,6 +33,9 @@ struct GuiaRun {
     std::shared_ptr<bool> printer_spoiled = std::make_shared<bool>(false);
 };
 
+// The Guia file named, or standard input for "-" (named "<stdin>" in messages); throws GuiaFileError.
+GuiaFile read_guia_input(const std::string& file);
+
 // Creates the folder with its parents when it is missing; a place that cannot be a folder is
 // refused with std::runtime_error naming `what` and the place.
 std::filesystem::path usable_folder(const std::string& what, const std::filesystem::path& folder);
@@ -45,6 +50,9 @@ void add_guia_options(CLI::App& command, GuiaRun& run, bool many = false);
 // the input or an output place is refused (a message on `err`, nothing written), 3 when the Guia
 // passed but could not be printed whole (the report is written; the message names the field and line).
 // Runs `run.file`.
-int run_guia(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command);
+// With --json the run's result (or its refusal), named by its "input", is stored in `document`, or
+// written to `out` as the run's one JSON document when `document` is null.
+int run_guia(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::string& command,
+             nlohmann::json* document = nullptr);
 
 }  // namespace nimbara::cli

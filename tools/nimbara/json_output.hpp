@@ -10,6 +10,8 @@ namespace nimbara::cli {
 
 // Writes `document` as the run's one JSON document, indented, ending in a new line.
 void write_json(std::ostream& out, const nlohmann::json& document);
+// The same for a document whose keys keep the order they were given in (rows of a table).
+void write_json(std::ostream& out, const nlohmann::ordered_json& document);
 
 // The refusal of exit 2: {"command": "nimbara db list", "status": 2, "error": "the message"}; the
 // same message also goes to standard error, as without --json.
