@@ -24,7 +24,7 @@ protected:
         std::filesystem::create_directories(home / ".config" / "nimbara");
         std::filesystem::create_directories(xdg / "nimbara");
     }
-    Run in_work(const std::string& env, const std::string& args)
+    nimbara::testing::Run in_work(const std::string& env, const std::string& args)
     {
         return run_with("cd '" + work.string() + "' && env -u NIMBARA_DB -u XDG_CONFIG_HOME HOME='" + home.string() +
                             "' " + env + " ",
@@ -76,7 +76,7 @@ TEST_F(DbLocationTest, TheFirstOfTheFourPlacesIsInForce)
         if (!c.ini.empty()) std::ofstream(ini) << c.ini;
         if (!c.config.empty())
             std::ofstream(c.env.starts_with("XDG") ? xdg / "nimbara" / "config" : config) << c.config;
-        const Run r = in_work(c.env, "db where --json " + c.args);
+        const nimbara::testing::Run r = in_work(c.env, "db where --json " + c.args);
         ASSERT_EQ(r.status, c.status) << c.what << ": " << r.err;
         const json answer = json::parse(r.out);
         if (c.status == 0) {
@@ -94,7 +94,7 @@ TEST_F(DbLocationTest, TheFirstOfTheFourPlacesIsInForce)
 TEST_F(DbLocationTest, WhereNamesThePlacesBelowThatWereNotUsed)
 {
     std::ofstream(config) << "db = d.db\n";
-    const Run r = in_work("NIMBARA_DB=b.db", "db where");
+    const nimbara::testing::Run r = in_work("NIMBARA_DB=b.db", "db where");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "connection: sqlite:b.db\nfrom: NIMBARA_DB\nnot used:\n  " + ini.string() +
                          " ([Nimbarauto] Conn): not set\n  " + config.string() + " (db): d.db\n");
@@ -104,7 +104,7 @@ TEST_F(DbLocationTest, EveryCommandOpensTheDatabaseInForce)
 {
     // Made through the config file and a plain path, then found by every road that names it.
     std::ofstream(config) << "db = shop.db\n";
-    Run r = in_work("", "db init");
+    nimbara::testing::Run r = in_work("", "db init");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(std::filesystem::exists(work / "shop.db"));
     for (const std::string env : {"NIMBARA_DB=shop.db", "NIMBARA_DB=sqlite:shop.db", ""}) {
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Stores, DbLocationStoresTest, kBothStores, store_name);
 TEST_P(DbLocationStoresTest, TheEnvironmentNamesTheDatabase)
 {
     TempFolder work;
-    const Run r = run_with("cd '" + work.path().string() + "' && env 'NIMBARA_DB=" + scratch->conn() + "' ",
+    const nimbara::testing::Run r = run_with("cd '" + work.path().string() + "' && env 'NIMBARA_DB=" + scratch->conn() + "' ",
                            "db client list");
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(r.out.starts_with("Id_Cliente\tCod_Cliente\t")) << r.out;

@@ -211,7 +211,8 @@ Reading choose(const Options& o)
     try {
         found = RecogniseImportLayout(o.file);
     } catch (const std::exception& e) {
-        throw CommandError(e.what());
+        // A table whose columns cannot be read is named again, with its row, by the import itself.
+        found.Tables = std::string("its tables cannot be read: ") + e.what();
     }
     const std::string name = std::filesystem::path(o.file).filename().string();
     const auto fits = [&] { return name + " has the tables of " + versions_of(*found.Layout); };

@@ -2,7 +2,9 @@
 
 #include <strings.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -57,9 +59,13 @@ DbPlace config_place()
     DbPlace place{config_file_path(), "db", std::nullopt, {}};
     std::error_code ec;
     if (!std::filesystem::exists(place.name, ec)) return place;
+    if (std::filesystem::is_directory(place.name, ec)) {
+        place.problem = place.name + ": is a folder, not a file";
+        return place;
+    }
     std::ifstream in(place.name);
-    if (!in || std::filesystem::is_directory(place.name, ec)) {
-        place.problem = place.name + ": cannot be read";
+    if (!in) {
+        place.problem = place.name + ": cannot be read: " + std::strerror(errno);
         return place;
     }
     int number = 0;
@@ -71,12 +77,14 @@ DbPlace config_place()
         const auto eq = text.find('=');
         if (eq == std::string::npos) {
             place.problem = where + "expected KEY = VALUE, found \"" + text + "\"";
+            place.value.reset();
             return place;
         }
         const std::string key = trimmed(text.substr(0, eq));
         std::string value = trimmed(text.substr(eq + 1));
         if (key != "db") {
             place.problem = where + "unknown key \"" + key + "\" (the file knows db)";
+            place.value.reset();
             return place;
         }
         if (value.size() >= 2 && value.front() == '"' && value.back() == '"') value = value.substr(1, value.size() - 2);
@@ -126,8 +134,8 @@ std::string connection_in_force(const std::string& option)
     if (!option.empty()) return connection_of(option);
     const DbLocation found = locate_database(option);
     for (const auto& place : found.places) {
-        if (place.value) return connection_of(*place.value);
         if (!place.problem.empty()) throw CommandError(place.problem);
+        if (place.value) return connection_of(*place.value);
     }
     throw CommandError("no database named: give --db CONN, set NIMBARA_DB, put Conn in section [Nimbarauto] of "
                        "Zartel_Nimbara.Ini in the working folder, or write db = CONN in " + config_file_path());
