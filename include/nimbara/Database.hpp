@@ -164,4 +164,10 @@ NIMBARA_API std::shared_ptr<Database> OpenDatabase(std::string_view conn, OpenMo
 // The SQLite file a connection string names; nothing for a PostgreSQL or malformed string.
 NIMBARA_API std::optional<std::string> SqliteFileOf(std::string_view conn);
 
+// The network file system that holds `file` (or, for a file not made yet, its folder): "nfs",
+// "cifs", "smb2", "9p", "fuse.sshfs" and the like; nothing when it is local or cannot be told. A
+// SQLite file there is unsafe with the WAL journal, whose shared memory only works among the
+// processes of one machine.
+NIMBARA_API std::optional<std::string> NetworkFileSystemOf(const std::string& file);
+
 }  // namespace nimbara

@@ -98,4 +98,26 @@ NIMBARA_API std::vector<std::string> ImportProcedures();
 // Why `file` cannot be imported (missing, empty, or not a readable old database); nothing when it can.
 NIMBARA_API std::optional<std::string> ImportSourceProblem(const std::filesystem::path& file);
 
+// A layout of the old files: the five data tables with the column counts a run of versions kept.
+struct NIMBARA_API ImportLayout {
+    std::string Name;                     // "050313B"
+    std::vector<std::string> Versions;    // the versions whose files have it: "0513", "0514"
+    std::vector<std::string> Procedures;  // the procedure that imports each of Versions, in that order
+};
+
+// What an old file's tables say of the version it comes from.
+struct NIMBARA_API ImportFileLayout {
+    std::optional<ImportLayout> Layout;  // nothing when its tables fit no known layout
+    std::string Tables;                  // the data tables found with their column counts, for messages
+};
+
+// Every known layout, oldest first.
+NIMBARA_API std::vector<ImportLayout> ImportLayouts();
+// The layout of the old file at `file`, recognised from its tables and their columns. Throws
+// std::runtime_error naming the file when it cannot be read.
+NIMBARA_API ImportFileLayout RecogniseImportLayout(const std::filesystem::path& file);
+// Whether `procedure` reads files of the layout called `layout`. The procedures refuse a file whose
+// layout they do not read, before anything is written, naming the layout found.
+NIMBARA_API bool ImportProcedureReads(std::string_view procedure, std::string_view layout);
+
 }  // namespace nimbara

@@ -1,6 +1,10 @@
 #include "nimbara/cls_Importacao.hpp"
 
+#include <algorithm>
+#include <stdexcept>
+
 #include "entities/connection.hpp"
+#include "import/layouts.hpp"
 #include "import/mappings.hpp"
 #include "import/procedure_run.hpp"
 #include "nimbara/Notifier.hpp"
@@ -10,6 +14,34 @@ namespace nimbara {
 namespace {
 
 constexpr const char* kImportTitle = "Importação de Base de Dados";
+
+// A file whose layout the procedure does not read would fail at some column, or fill the wrong ones;
+// a file of no known layout is read by position as it always was.
+void require_layout(std::string_view procedure, const platform::OldDatabase& source)
+{
+    const import::Layout* found = nullptr;
+    try {
+        found = import::layout_of(import::shape_of(source));
+    } catch (const std::exception&) {
+        return;  // a table that cannot be read is named by the copy itself
+    }
+    if (!found || import::reads(*found, procedure)) return;
+    std::string wanted;
+    for (const auto& layout : import::layouts())
+        if (import::reads(layout, procedure)) wanted += (wanted.empty() ? "" : " or ") + import::versions_text(layout);
+    throw std::runtime_error(source.file().filename().string() + " has the tables of " + import::versions_text(*found) +
+                             "; " + std::string(procedure) + " reads those of " + wanted);
+}
+
+ImportLayout public_layout(const import::Layout& layout)
+{
+    ImportLayout out{layout.name, {}, {}};
+    for (const auto& v : layout.versions) {
+        out.Versions.emplace_back(v.version);
+        out.Procedures.emplace_back(v.procedure);
+    }
+    return out;
+}
 
 std::filesystem::path source_path(const std::string& Caminho, const std::string& Ficheiro)
 {
@@ -86,6 +118,7 @@ bool cls_Importacao::run(std::string_view name, const std::string& Caminho, cons
     if (!DoCheck(Caminho, Ficheiro)) return true;
     try {
         const auto source = platform::open_old_database(source_path(Caminho, Ficheiro));
+        require_layout(name, *source);
         auto result = import::run_procedure(*import::find_procedure(name), *source, entities::require(myConn),
                                             [](int value) { notifier().progress(value); }, KeepOrphans);
         const auto& rows = result.counts;
@@ -149,6 +182,29 @@ std::optional<std::string> ImportSourceProblem(const std::filesystem::path& file
     } catch (const std::exception& e) {
         return std::string(e.what());
     }
+}
+
+std::vector<ImportLayout> ImportLayouts()
+{
+    std::vector<ImportLayout> all;
+    for (const auto& layout : import::layouts()) all.push_back(public_layout(layout));
+    return all;
+}
+
+ImportFileLayout RecogniseImportLayout(const std::filesystem::path& file)
+{
+    const auto source = platform::open_old_database(file);
+    const auto shape = import::shape_of(*source);
+    ImportFileLayout found;
+    if (const auto* layout = import::layout_of(shape)) found.Layout = public_layout(*layout);
+    found.Tables = import::describe(shape);
+    return found;
+}
+
+bool ImportProcedureReads(std::string_view procedure, std::string_view layout)
+{
+    return std::ranges::any_of(import::layouts(),
+                               [&](const auto& l) { return layout == l.name && import::reads(l, procedure); });
 }
 
 }  // namespace nimbara

@@ -232,6 +232,15 @@ RunResult run_procedure(const Procedure& procedure, const platform::OldDatabase&
         counts[i] = copy_table(procedure.tables[i], source, target, numbering);
         progress(procedure.tables[i].progress);
     }
+    // The last rows sent ahead on a server show their failure at the next statement; when the caller
+    // holds the transaction (a dry run, say) the commit below is not that statement, so a query is.
+    try {
+        target.open("SELECT COUNT(*) FROM Tbl_Cliente WHERE 1 = 0");
+    } catch (const QueuedStatementFailed& e) {
+        throw CopyFailed(e.what());
+    } catch (const DatabaseError& e) {
+        throw CopyFailed(std::string("finishing the copy: ") + e.what());
+    }
     try {
         transaction->commit();
     } catch (const DatabaseError& e) {

@@ -21,8 +21,9 @@ struct Run {
     std::string err;
 };
 
-// Runs the program with a shell command line, capturing standard output and standard error.
-inline Run run(const std::string& args, const std::string& input = "")
+// Runs the program with a shell command line, capturing standard output and standard error; `prefix`
+// goes before the program's name (a "cd DIR && env VAR=VALUE " of the test's own).
+inline Run run_with(const std::string& prefix, const std::string& args, const std::string& input = "")
 {
     // Runs may come from several threads at once: each gets files of its own.
     static std::atomic<int> counter{0};
@@ -31,7 +32,7 @@ inline Run run(const std::string& args, const std::string& input = "")
     const auto in = dir / ("nimbara-cli-in-" + id);
     const auto err = dir / ("nimbara-cli-err-" + id);
     std::ofstream(in) << input;
-    const std::string cmd = std::string(NIMBARA_CLI) + " " + args + " <" + in.string() + " 2>" + err.string();
+    const std::string cmd = prefix + NIMBARA_CLI + " " + args + " <" + in.string() + " 2>" + err.string();
     FILE* pipe = ::popen(cmd.c_str(), "r");
     std::string out;
     std::array<char, 4096> buf;
@@ -43,6 +44,8 @@ inline Run run(const std::string& args, const std::string& input = "")
     std::filesystem::remove(err);
     return {WEXITSTATUS(status), out, err_text};
 }
+
+inline Run run(const std::string& args, const std::string& input = "") { return run_with("", args, input); }
 
 // The report an answer names between <LOG_FILE> and </LOG_FILE>.
 inline std::string answer_log(const std::string& answer)

@@ -104,7 +104,8 @@ TEST(DbCommands, RefuseWhatTheyCannotOpenAndCreateNothing)
         {"db client delete 7 --db sqlite:" + f("missing.db"), "does not exist"},
         {"db params --db sqlite:" + f("junk.db"), "not a database"},
         {"db init --db sqlite:" + f("junk.db"), "not a database"},
-        {"db refs zona --db guias.db", "malformed connection string"},
+        {"db refs zona --db " + f("guias.db"), "guias.db does not exist"},
+        {"db refs zona --db 'sqlite:'", "malformed connection string"},
         {"db init --db sqlite:" + f("no/such/folder/g.db"), "cannot open"},
         {"db params --db 'postgresql:host=" + folder.path().string() + " port=1'", "cannot reach the PostgreSQL server"},
         {"db refs nada --db sqlite:" + f("x.db"), "nada"},
@@ -121,13 +122,14 @@ TEST(DbCommands, RefuseWhatTheyCannotOpenAndCreateNothing)
     // Without --db the ini file of the working directory names the database.
     const auto previous = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
-    const auto no_ini = run("db params");
+    const auto no_ini = nimbara::testing::run_with("env -u NIMBARA_DB HOME=. XDG_CONFIG_HOME= ", "db params");
     std::ofstream("Zartel_Nimbara.Ini") << "[Nimbarauto]\nConn=Provider=Microsoft.Jet.OLEDB.4.0;Data Source = ini.db\n";
-    const auto init = run("db init");
-    const auto params = run("db params");
+    const auto init = nimbara::testing::run_with("env -u NIMBARA_DB ", "db init");
+    const auto params = nimbara::testing::run_with("env -u NIMBARA_DB ", "db params");
     std::filesystem::current_path(previous);
     EXPECT_EQ(no_ini.status, 2);
-    EXPECT_NE(no_ini.err.find("Erro na leitura do ficheiro INI."), std::string::npos) << no_ini.err;
+    EXPECT_TRUE(no_ini.err.starts_with("nimbara db params: no database named: give --db CONN, set NIMBARA_DB"))
+        << no_ini.err;
     EXPECT_EQ(init.status, 0) << init.err;
     EXPECT_EQ(params.status, 0) << params.err;
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "ini.db"));

@@ -51,6 +51,8 @@ TEST(DbForeignFiles, AForeignOrEmptyFileIsRefusedAndLeftByteForByte)
         {foreign, "params", "not a Guia database"},
         {foreign, "save " + guia, "not a Guia database"},
         {foreign, "check 1", "not a Guia database"},
+        {foreign, "delete 1", "ledger.db: not a Guia database: run nimbara db init"},
+        {foreign, "client delete 1 --json", "ledger.db: not a Guia database: run nimbara db init"},
         {foreign, "init", "holds tables of its own (Ledger); nothing was changed (give --into-existing"},
         {empty, "list", "empty.db: not a Guia database: run nimbara db init"},
         {empty, "params set GuiaNVias=2", "not a Guia database"},
@@ -60,6 +62,10 @@ TEST(DbForeignFiles, AForeignOrEmptyFileIsRefusedAndLeftByteForByte)
         EXPECT_EQ(r.status, 2) << c.args;
         EXPECT_NE(r.err.find(c.message), std::string::npos) << c.args << ": " << r.err;
     }
+    // Named by a plain path, the same file is refused the same way.
+    const nimbara::testing::Run plain = run_db(foreign.string(), "client delete 1");
+    EXPECT_EQ(plain.status, 2);
+    EXPECT_NE(plain.err.find("ledger.db: not a Guia database: run nimbara db init"), std::string::npos) << plain.err;
     EXPECT_EQ(checksum(foreign), before) << "the foreign file is byte for byte as it was";
     EXPECT_EQ(std::filesystem::file_size(empty), 0u) << "the empty file stays empty";
     for (const char* suffix : {"-wal", "-shm", "-journal"})

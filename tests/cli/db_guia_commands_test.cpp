@@ -77,6 +77,39 @@ TEST_P(DbGuiaCommandsTest, ClientAndGuiaGoInAndComeBackUnchanged)
     EXPECT_NE(program("show 2").err.find("no Guia with N_Req 2"), std::string::npos) << "the cascade took its Guias";
 }
 
+TEST_P(DbGuiaCommandsTest, DeletesSayWhatWent)
+{
+    ASSERT_EQ(program("client save " + write("client.json", kClient)).status, 0);
+    for (const char* guia : {"valid-guia.json", "fourteen-lines.json", "valid-guia.json", "line-errors.json"})
+        ASSERT_EQ(program(std::string("save ") + example(guia)).status, 0) << guia;
+    const std::string client = "client 456 \"Papelaria D'Horizonte — Açores\"";
+    struct Case {
+        std::string args;
+        int status;
+        std::string out;  // text, or a JSON document when it begins with {
+    };
+    const Case cases[] = {
+        {"delete 1", 0, "deleted Guia 1 of " + client + " with 6 lines and 3 services\n"},
+        {"delete 2 --json", 0,
+         R"({"command": "nimbara db delete", "status": 0, "deleted": {"n_req": 2, "cod_cliente": "456",
+             "nome": "Papelaria D'Horizonte — Açores", "lines": 14, "services": 0}})"},
+        {"delete 2 --json", 2,
+         R"({"command": "nimbara db delete", "status": 2, "error": "no Guia with N_Req 2"})"},
+        {"client delete 456 --json", 0,
+         R"({"command": "nimbara db client delete", "status": 0, "deleted": {"cod_cliente": "456",
+             "nome": "Papelaria D'Horizonte — Açores", "contracts": 2, "guias": 2, "n_req": [3, 4], "lines": 15,
+             "services": 4}})"},
+        {"client delete 456", 2, ""},
+    };
+    for (const auto& c : cases) {
+        const auto r = program(c.args);
+        EXPECT_EQ(r.status, c.status) << c.args << ": " << r.err;
+        if (c.out.starts_with('{')) EXPECT_EQ(json::parse(r.out), json::parse(c.out)) << c.args;
+        else EXPECT_EQ(r.out, c.out) << c.args;
+    }
+    EXPECT_EQ(program("client list").out.find("456"), std::string::npos) << "the client is gone";
+}
+
 TEST_P(DbGuiaCommandsTest, BadInputIsNamedAndNothingIsStored)
 {
     ASSERT_EQ(program("client save " + write("client.json", kClient)).status, 0);

@@ -278,6 +278,36 @@ TEST_P(ImportTest, FailuresLeaveTheTargetAsItWasAndSayWhere)
     }
 }
 
+TEST_P(ImportTest, AProcedureRefusesAFileOfALayoutItDoesNotRead)
+{
+    cls_Importacao importacao(db);
+    ASSERT_TRUE(importacao.DoImportDadosTo050314(kJetFixtures.string(), "v0514.mdb"));
+    const std::string before = snapshot();
+    struct Case {
+        const char* file;
+        const char* procedure;
+        const char* said;
+    };
+    const Case cases[] = {
+        {"v0501.mdb", "DoImportDadosTo050314",
+         "v0501.mdb has the tables of version 0501 (layout 0501); DoImportDadosTo050314 reads those of versions "
+         "0513 and 0514 (layout 050313B)"},
+        {"v0513.mdb", "DoImportDadosTo050313",
+         "v0513.mdb has the tables of versions 0513 and 0514 (layout 050313B); DoImportDadosTo050313 reads those of "
+         "versions 05083, 0509, 0510, 0511 and 0512 (layout 050313)"},
+        {"v0512.mdb", "DoImportDados0502",
+         "DoImportDados0502 reads those of versions 0502 and 0504 (layout 0502)"},
+        {"v0502.mdb", "DoImportDados0509",
+         "DoImportDados0509 reads those of versions 0506, 0507 and 0508 (layout 0506) or versions 05083, 0509, 0510, "
+         "0511 and 0512 (layout 050313)"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_FALSE(importacao.DoImportDadosBy(c.procedure, kJetFixtures.string(), c.file)) << c.file;
+        EXPECT_NE(importacao.LastError().find(c.said), std::string::npos) << importacao.LastError();
+        EXPECT_EQ(snapshot(), before) << c.file;
+    }
+}
+
 TEST_P(ImportTest, TheDispatchReachesThreeProceduresAndSaysTheOutcome)
 {
     const std::string ok = "message 4|Importação de Base de Dados|Base de Dados importada com sucesso.";

@@ -17,6 +17,7 @@ void register_db(CLI::App& app, int& status)
     register_db_client(*db, status);
     register_db_check(*db, status);
     register_db_print(*db, status);
+    register_db_where(*db, status);
 }
 
 }  // namespace nimbara::cli

@@ -284,12 +284,41 @@ int list(const ClientOptions& o)
     return 0;
 }
 
+// Says what went: the rows are counted in the delete's own transaction, so they are what it removed.
 int remove(const ClientOptions& o)
 {
-    cls_Cliente c(open_command_database(o.conn));
+    const auto db = open_command_database(o.conn);
+    Transaction t(*db);
+    cls_Cliente c(db);
     find(c, o.cod);
+    const FieldValue id = c.iId_Cliente;
+    const auto count = [&](const std::string& sql) { return db->open(sql, {id})[std::size_t{0}].integer(); };
+    constexpr const char* kOfClient = " WHERE N_Req IN (SELECT N_Req FROM Tbl_Cab WHERE Id_Cliente = ?)";
+    const std::int64_t contracts = count("SELECT COUNT(*) FROM Tbl_Contrato WHERE Id_Cliente = ?");
+    const std::int64_t lines = count(std::string("SELECT COUNT(*) FROM Tbl_Linha") + kOfClient);
+    const std::int64_t services = count(std::string("SELECT COUNT(*) FROM Tbl_Linha_ServicoEspecial") + kOfClient);
+    std::vector<std::int64_t> guias;
+    for (Recordset rs = db->open("SELECT N_Req FROM Tbl_Cab WHERE Id_Cliente = ? ORDER BY N_Req", {id}); !rs.IsEOF();
+         rs.MoveNext())
+        guias.push_back(rs[std::size_t{0}].integer());
     c.DeleteRegs(std::to_string(c.iId_Cliente));
     if (!c.LastError().empty()) throw CommandError("nothing was deleted: " + c.LastError());
+    t.commit();
+    if (o.json) {
+        write_json(std::cout, {{"command", "nimbara db client delete"},
+                               {"status", 0},
+                               {"deleted", {{"cod_cliente", c.vCod_Cliente}, {"nome", c.vNome},
+                                            {"contracts", contracts}, {"guias", guias.size()}, {"n_req", guias},
+                                            {"lines", lines}, {"services", services}}}});
+        return 0;
+    }
+    const auto counted = [](std::int64_t n, const char* one, const char* many) {
+        return std::to_string(n) + " " + (n == 1 ? one : many);
+    };
+    std::cout << "deleted client " << c.vCod_Cliente << " \"" << c.vNome << "\" with "
+              << counted(contracts, "contract", "contracts") << ", "
+              << counted(static_cast<std::int64_t>(guias.size()), "Guia", "Guias") << ", "
+              << counted(lines, "line", "lines") << " and " << counted(services, "service", "services") << '\n';
     return 0;
 }
 
@@ -304,7 +333,8 @@ void register_db_client(CLI::App& db, int& status)
         auto* cmd = client->add_subcommand(name, help);
         add_db_option(*cmd, o->conn);
         cmd->callback([o, &status, name, body] {
-            status = run_db_command(std::string("client ") + name, o->json, std::cout, std::cerr, [&] { return body(*o); });
+            status = run_db_command(std::string("client ") + name, o->json, std::cout, std::cerr,
+                                    [&] { return body(*o); });
         });
         return cmd;
     };
@@ -324,7 +354,8 @@ void register_db_client(CLI::App& db, int& status)
         ->required();
     with_json(add("list", "Print every client as TSV with a header line", list),
               "Write {\"status\", \"clients\": [...]} as JSON");
-    add("delete", "Delete a client with its contracts and Guias", remove)
+    with_json(add("delete", "Delete a client with its contracts and Guias; print what went", remove),
+              "Write what was deleted as one JSON document")
         ->add_option("COD", o->cod, "The client number")
         ->required();
 }

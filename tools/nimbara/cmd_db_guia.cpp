@@ -21,6 +21,11 @@ struct GuiaOptions {
     bool json = false;
 };
 
+std::int64_t count_of(Database& db, const char* sql, std::int32_t n_req)
+{
+    return db.open(sql, {n_req})[std::size_t{0}].integer();
+}
+
 int save(const GuiaOptions& o)
 {
     const GuiaFile file = read_guia_input(o.file);
@@ -52,15 +57,33 @@ int show(const GuiaOptions& o)
     return 0;
 }
 
+// Says what went: the counts are read in the delete's own transaction, so they are what it removed.
 int remove(const GuiaOptions& o)
 {
     const auto db = open_command_database(o.conn);
-    if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
-        throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    Transaction t(*db);
+    const Recordset head = db->open("SELECT Tbl_Cab.Cod_Cliente, Tbl_Cliente.Nome FROM Tbl_Cab LEFT JOIN Tbl_Cliente "
+                                    "ON Tbl_Cliente.Id_Cliente = Tbl_Cab.Id_Cliente WHERE Tbl_Cab.N_Req = ?",
+                                    {o.n_req});
+    if (head.RecordCount() == 0) throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    const std::string client = head[std::size_t{0}].text(), name = head[std::size_t{1}].text();
+    const std::int64_t lines = count_of(*db, "SELECT COUNT(*) FROM Tbl_Linha WHERE N_Req = ?", o.n_req);
+    const std::int64_t services = count_of(*db, "SELECT COUNT(*) FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ?", o.n_req);
     cls_Guia_Cabecalho g(db);
     g.vNReq = o.n_req;
     g.DoDelete();
     if (!g.LastError().empty()) throw CommandError("nothing was deleted: " + g.LastError());
+    t.commit();
+    if (o.json) {
+        write_json(std::cout, {{"command", "nimbara db delete"},
+                               {"status", 0},
+                               {"deleted", {{"n_req", o.n_req}, {"cod_cliente", client}, {"nome", name},
+                                            {"lines", lines}, {"services", services}}}});
+    } else {
+        std::cout << "deleted Guia " << o.n_req << " of client " << client << " \"" << name << "\" with " << lines
+                  << (lines == 1 ? " line and " : " lines and ") << services
+                  << (services == 1 ? " service\n" : " services\n");
+    }
     return 0;
 }
 
@@ -83,10 +106,13 @@ void register_db_guia(CLI::App& db, int& status)
     add_db_option(*show_cmd, o->conn);
     show_cmd->callback([o, &status] { status = run_db_command("show", std::cerr, [&] { return show(*o); }); });
 
-    auto* delete_cmd = db.add_subcommand("delete", "Delete a stored Guia with its lines and services");
+    auto* delete_cmd = db.add_subcommand("delete", "Delete a stored Guia with its lines and services; print what went");
     delete_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*delete_cmd, o->conn);
-    delete_cmd->callback([o, &status] { status = run_db_command("delete", std::cerr, [&] { return remove(*o); }); });
+    delete_cmd->add_flag("--json", o->json, "Write what was deleted as one JSON document");
+    delete_cmd->callback([o, &status] {
+        status = run_db_command("delete", o->json, std::cout, std::cerr, [&] { return remove(*o); });
+    });
 }
 
 }  // namespace nimbara::cli

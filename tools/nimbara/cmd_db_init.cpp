@@ -23,6 +23,7 @@ int init(const InitOptions& o)
     const auto file = SqliteFileOf(conn);
     std::error_code ec;
     const bool fresh = file && !std::filesystem::exists(*file, ec);
+    warn_if_shared_over_network(conn);
     try {
         auto db = OpenDatabase(conn, OpenMode::Create);
         CreateSchema(*db, o.into_existing ? SchemaPlace::IntoExisting : SchemaPlace::EmptyOnly);

@@ -20,6 +20,7 @@ void register_db_guia(CLI::App& db, int& status);
 void register_db_client(CLI::App& db, int& status);
 void register_db_check(CLI::App& db, int& status);
 void register_db_print(CLI::App& db, int& status);
+void register_db_where(CLI::App& db, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {

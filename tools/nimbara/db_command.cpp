@@ -1,32 +1,42 @@
 #include "db_command.hpp"
 
+#include <iostream>
 #include <ostream>
 
+#include "db_location.hpp"
 #include "json_output.hpp"
 #include "nimbara/Schema.hpp"
-#include "nimbara/mdl_Biz.hpp"
 
 namespace nimbara::cli {
 
 void add_db_option(CLI::App& cmd, std::string& conn)
 {
     cmd.add_option("--db", conn,
-                   "The database: sqlite:FILE, postgresql://... or Provider=...;Data Source = FILE "
-                   "(default: Conn of Zartel_Nimbara.Ini in the working directory)");
+                   "The database: FILE or sqlite:FILE (SQLite), postgresql://... or Provider=...;Data Source = FILE "
+                   "(default: NIMBARA_DB, then Conn of Zartel_Nimbara.Ini in the working folder, then db of "
+                   "~/.config/nimbara/config; nimbara db where shows which)");
 }
 
 std::string command_connection(const std::string& conn)
 {
-    if (!conn.empty()) return conn;
-    if (!Le_Ini())
-        throw CommandError("no database: give --db, or a Conn in section [Nimbarauto] of Zartel_Nimbara.Ini "
-                           "in the working directory");
-    return gConnString;
+    return connection_in_force(conn);
+}
+
+void warn_if_shared_over_network(const std::string& conn)
+{
+    const auto file = SqliteFileOf(conn);
+    if (!file) return;
+    if (const auto fs = NetworkFileSystemOf(*file))
+        std::cerr << "nimbara: warning: " << *file << " is on a network file system (" << *fs
+                  << "): SQLite's WAL journal needs memory shared on one machine, so stations on other machines "
+                     "may corrupt it; give each station its own file, or share a PostgreSQL server\n";
 }
 
 std::shared_ptr<Database> open_command_database(const std::string& conn)
 {
-    return OpenGuiaDatabase(command_connection(conn));
+    const std::string in_force = command_connection(conn);
+    warn_if_shared_over_network(in_force);
+    return OpenGuiaDatabase(in_force);
 }
 
 int run_db_command(const std::string& name, bool json, std::ostream& out, std::ostream& err,

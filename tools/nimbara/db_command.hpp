@@ -1,6 +1,6 @@
 #pragma once
-// What the `nimbara db` commands share: the connection (from --db or from Zartel_Nimbara.Ini in
-// the working directory) and the way a failure becomes a message and exit status 2.
+// What the `nimbara db` commands share: the connection (from --db or the places after it) and the
+// way a failure becomes a message and exit status 2.
 #include <CLI/CLI.hpp>
 
 #include <functional>
@@ -22,8 +22,11 @@ public:
 // Adds --db to a db command; the string stays empty when the option is not given.
 void add_db_option(CLI::App& cmd, std::string& conn);
 
-// The connection string of --db, or Conn of the ini file when `conn` is empty.
+// The connection string in force: --db (`conn`), else the first of the places db_location.hpp names.
 std::string command_connection(const std::string& conn);
+
+// A warning on standard error when the connection names a SQLite file on a network file system.
+void warn_if_shared_over_network(const std::string& conn);
 
 // The Guia database of --db, or of the ini file when `conn` is empty; any other database is refused
 // untouched ("not a Guia database").
