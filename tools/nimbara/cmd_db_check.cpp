@@ -86,7 +86,7 @@ void register_db_check(CLI::App& db, int& status)
     add_db_option(*check, o->conn);
     check->footer("Each result is 0, or the error number, a tab and its description. The program's own "
                   "Tbl_Temp_Val_Guia holds this Guia only.\nExit status: 0 all passed, 1 a line or the Guia failed, 2 no such "
-                  "Guia or the database could not be read.");
+                  "Guia or the database could not be read.\nExample:\n  nimbara db check 12");
     check->callback([o, &status] { status = run_db_command("check", std::cerr, [&] { return check_guia(*o); }); });
 
     auto* lines = db.add_subcommand("check-lines", "Validate product lines against the rule tables of the database; "
@@ -95,7 +95,7 @@ void register_db_check(CLI::App& db, int& status)
     add_db_option(*lines, o->conn);
     lines->footer("The sampling column is read and ignored; a pre-treatment above 0 is selected.\nExit status: 0 every "
                   "row was judged (failing lines included), 2 a row could not be judged, the input could not be "
-                  "read or the database could not be opened.");
+                  "read or the database could not be opened.\nExample:\n  nimbara db check-lines lines.tsv");
     lines->callback([o, &status] {
         status = run_db_command("check-lines", std::cerr, [&] {
             const auto db = open_command_database(o->conn);

@@ -277,6 +277,8 @@ void register_db_client(CLI::App& db, int& status)
 {
     auto* client = db.add_subcommand("client", "Clients with their contracts");
     client->require_subcommand(1);
+    client->footer("Exit status: that of the command run.\nExamples:\n  nimbara db client list\n"
+                   "  nimbara db client help save");
     auto o = std::make_shared<ClientOptions>();
     const auto add = [&](const char* name, const char* help, int (*body)(const ClientOptions&)) {
         auto* cmd = client->add_subcommand(name, help);
@@ -287,11 +289,18 @@ void register_db_client(CLI::App& db, int& status)
         return cmd;
     };
     add("save", "Create or update a client and its contracts from a JSON file; print Id_Cliente and Cod_Cliente", save)
+        ->footer("Exit status: 0 saved, 2 a refused file or value (nothing is stored).\nExample:\n"
+                 "  nimbara db client save client.json")
         ->add_option("CLIENT", o->file, "The client file (JSON)")
         ->required();
-    add("show", "Write a client with its contracts as JSON", show)->add_option("COD", o->cod, "The client number")->required();
-    add("list", "Print every client as TSV with a header line", list);
+    add("show", "Write a client with its contracts as JSON", show)
+        ->footer("Exit status: 0 written, 2 no such client.\nExample:\n  nimbara db client show 456 > client.json")
+        ->add_option("COD", o->cod, "The client number")->required();
+    add("list", "Print every client as TSV with a header line", list)
+        ->footer("Exit status: 0 listed, 2 a database that cannot be read.\nExample:\n  nimbara db client list");
     add("delete", "Delete a client with its contracts and Guias", remove)
+        ->footer("Exit status: 0 deleted, 2 no such client or a database that cannot be written (nothing is "
+                 "deleted).\nExample:\n  nimbara db client delete 456")
         ->add_option("COD", o->cod, "The client number")
         ->required();
 }

@@ -52,6 +52,9 @@ void register_db_export(CLI::App& db, int& status)
     auto o = std::make_shared<ExportOptions>();
     add_listing_options(*cmd, *o);
     cmd->add_option("--sep", o->sep, "The separator (default: ;)");
+    cmd->footer("Exit status: 0 exported (no line matching is no error), 2 a filter or order word refused or a "
+                "database that cannot be read.\nExamples:\n  nimbara db export --year 2026 > lines.txt\n"
+                "  nimbara db export --month 11 --sep \"|\"");
     cmd->callback([o, &status] { status = run_db_command("export", std::cerr, [&] { return export_lines(*o); }); });
 }
 

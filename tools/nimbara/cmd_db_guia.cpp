@@ -60,16 +60,23 @@ void register_db_guia(CLI::App& db, int& status)
     auto* save_cmd = db.add_subcommand("save", "Store a Guia file as a new Guia with fresh numbers; print N_Req, N_Req2 and Id_Req_Anual");
     save_cmd->add_option("GUIA", o->file, "The Guia file (JSON), as check and print read it")->required();
     add_db_option(*save_cmd, o->conn);
+    save_cmd->footer("Exit status: 0 stored (a warning names what would keep it from printing), 2 a refused file or "
+                     "value, or an unknown client or contract (nothing is stored).\nExamples:\n"
+                     "  nimbara db save examples/valid-guia.json\n  nimbara db save - < guia.json");
     save_cmd->callback([o, &status] { status = run_db_command("save", std::cerr, [&] { return save(*o); }); });
 
     auto* show_cmd = db.add_subcommand("show", "Write a stored Guia as a Guia file");
     show_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*show_cmd, o->conn);
+    show_cmd->footer("Exit status: 0 written, 2 no such Guia or a database that cannot be read.\nExample:\n"
+                     "  nimbara db show 12 > guia.json");
     show_cmd->callback([o, &status] { status = run_db_command("show", std::cerr, [&] { return show(*o); }); });
 
     auto* delete_cmd = db.add_subcommand("delete", "Delete a stored Guia with its lines and services");
     delete_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*delete_cmd, o->conn);
+    delete_cmd->footer("Exit status: 0 deleted, 2 no such Guia or a database that cannot be written (nothing is "
+                       "deleted).\nExample:\n  nimbara db delete 12");
     delete_cmd->callback([o, &status] { status = run_db_command("delete", std::cerr, [&] { return remove(*o); }); });
 }
 

@@ -183,6 +183,10 @@ void register_db_import(CLI::App& db, int& status)
         status = run_db_command("import", std::cerr, [&] { return import(*o); });
     });
     add_db_option(*cmd, o->conn);
+    cmd->footer("The whole import is one transaction. Exit status: 0 imported, 1 the import failed or the file's rows "
+                "do not hang together (the database is left as it was), 2 a missing, empty or unreadable file or an "
+                "unknown version, before anything is touched.\nExamples:\n  nimbara db import old.mdb --version 0514\n"
+                "  nimbara db import old.mdb --procedure DoImportDados0510 --db sqlite:shop.db");
 }
 
 }  // namespace nimbara::cli

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "commands.hpp"
+#include "option_checks.hpp"
 #include "db_command.hpp"
 #include "guia_listing.hpp"
 
@@ -102,7 +103,10 @@ void register_db_list(CLI::App& db, int& status)
     auto* cmd = db.add_subcommand("list", "Print the lines of the stored Guias, one a row with a header line");
     auto o = std::make_shared<ListOptions>();
     add_listing_options(*cmd, *o);
-    cmd->add_option("--format", o->format, "tsv (default), csv or json")->check(CLI::IsMember({"tsv", "csv", "json"}));
+    cmd->add_option("--format", o->format, "tsv (default), csv or json")->check(one_of({"tsv", "csv", "json"}));
+    cmd->footer("Exit status: 0 listed (no line matching is no error), 2 a filter or order word refused or a "
+                "database that cannot be read.\nExamples:\n  nimbara db list --year 2026 --month 11\n"
+                "  nimbara db list --client 456 --order \"data desc,guia\" --format csv > lines.csv");
     cmd->callback([o, &status] { status = run_db_command("list", std::cerr, [&] { return list(*o); }); });
 }
 

@@ -13,6 +13,8 @@
 #include "nimbara/GlobalFrameWork.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
+#include "explanation.hpp"
+#include "option_checks.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -57,7 +59,7 @@ GuiaFile read_input(const std::string& file)
 }
 
 nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems,
-                       const std::vector<std::string>& warnings, int status)
+                       const std::vector<std::string>& warnings, int status, const GuiaFile& file)
 {
     nlohmann::json j;
     j["answer"] = guia_answer(outcome);
@@ -77,11 +79,13 @@ nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& p
         auto d = error_json(e.error);
         d["line"] = e.N_Linha;
         d["place"] = "/produtos/" + std::to_string(e.row);
+        if (const auto x = explanation(e.error, file, e.row)) d["explanation"] = *x;
         j["errors"].push_back(d);
     }
     if (outcome.guia_error) {
         auto d = error_json(*outcome.guia_error);
         d["place"] = "/";
+        if (const auto x = explanation(*outcome.guia_error, file, std::nullopt)) d["explanation"] = *x;
         j["errors"].push_back(d);
     }
     j["not_printed"] = nlohmann::json::array();
@@ -96,6 +100,9 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
 {
     const GuiaFile file = read_input(run.file);
     const std::string source = run.file == "-" ? "<stdin>" : run.file;
+    // The library passes a Guia without lines, as it always did; the program does not take one.
+    if (file.produtos.empty())
+        throw Refusal{source + ": /produtos: the Guia has no product lines; nothing was checked or printed"};
     // Both inputs read a weight the same way: a whole number of 32 bits (a weight not given is 0, as
     // the façade reads an empty cell).
     for (std::size_t i = 0; i < file.produtos.size(); ++i) {
@@ -137,8 +144,14 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         return 3;
     }
 
-    const GuiaOutcome outcome = guia.ImprimeGuiaOutcome(run.only_printer);
+    GuiaOutcome outcome = guia.ImprimeGuiaOutcome(run.only_printer);
     if (outcome.failure) throw Refusal{source + ": " + outcome.failure->cause};
+    // A report that was not asked for goes again: the answer then names no file.
+    if (outcome.report && (run.report == "never" || (run.report == "errors" && !outcome.errors))) {
+        std::error_code ignored;
+        fs::remove(*outcome.report, ignored);
+        outcome.report.reset();
+    }
 
     int status = outcome.errors ? 1 : 0;
     if (status == 0 && run.printing) {
@@ -149,9 +162,18 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         if (run.printer && !outcome.print_failures.empty()) *run.printer_spoiled = true;
     }
     if (run.json) {
-        out << as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status).dump(2) << '\n';
+        out << as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status, file).dump(2) << '\n';
     } else {
         out << guia_answer(outcome) << '\n';
+    }
+    if (!run.quiet) {
+        for (const auto& e : outcome.line_errors)
+            if (const auto x = explanation(e.error, file, e.row))
+                err << "nimbara " << command << ": " << source << ": /produtos/" << e.row << " (line " << e.N_Linha
+                    << "): " << e.error.number << ": " << *x << '\n';
+        if (outcome.guia_error)
+            if (const auto x = explanation(*outcome.guia_error, file, std::nullopt))
+                err << "nimbara " << command << ": " << source << ": " << outcome.guia_error->number << ": " << *x << '\n';
     }
     if (!run.quiet)
         for (const auto& pdf : outcome.printed) err << "nimbara " << command << ": printed " << pdf.string() << '\n';
@@ -193,8 +215,12 @@ void add_guia_options(CLI::App& cmd, GuiaRun& r, bool many)
     });
     cmd.add_option("--report-dir", r.report_dir, "Folder of the report, created if missing (default: the current folder)");
     cmd.add_flag("--json", r.json, "Write the result as JSON: answer, report, PDFs, errors with their place");
-    cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");
-    cmd.add_flag("-v,--verbose", r.verbose, "Also show the print log's debugging messages");
+    cmd.add_option("--report", r.report,
+                   "When to leave a report: always (default, as ImprimeGuia does), errors (only for a Guia that "
+                   "failed) or never")
+        ->check(one_of({"always", "errors", "never"}));
+    auto* quiet = cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");
+    cmd.add_flag("-v,--verbose", r.verbose, "Also show the print log's debugging messages")->excludes(quiet);
 }
 
 int run_guia(const GuiaRun& r, std::ostream& out, std::ostream& err, const std::string& command)
