@@ -24,19 +24,15 @@ namespace nimbara::cli {
 namespace {
 
 // The progress as a bar redrawn in place on a terminal, as one line per value otherwise; messages
-// of success on standard output, the others on standard error.
+// of the library are left to the command.
 class ImportNotifier final : public Notifier {
 public:
     ImportNotifier() : terminal_(::isatty(STDOUT_FILENO) == 1) {}
     ~ImportNotifier() override { end_bar(); }
 
-    void message(MessageIcon icon, std::string_view title, std::string_view text) override
-    {
-        end_bar();
-        std::ostream& out = icon == MessageIcon::Information && !title.empty() ? std::cout : std::cerr;
-        if (!title.empty()) out << title << ": ";
-        out << text << std::endl;
-    }
+    // The library's message boxes tell a desktop host the outcome in Portuguese; the command tells it
+    // itself, in English, with the cause.
+    void message(MessageIcon, std::string_view, std::string_view) override { end_bar(); }
     void busy(bool) override {}
     void progress(int value) override
     {
@@ -146,7 +142,10 @@ int import(const Options& o)
     } else {
         importacao.DoImportDadosBy(procedure, folder, name);
     }
-    if (!importacao.Succeeded()) return 1;
+    if (!importacao.Succeeded()) {
+        std::cerr << "nimbara db import: not imported, the database is as it was: " << importacao.LastError() << '\n';
+        return 1;
+    }
     const ImportCounts& n = importacao.LastCounts();
     std::cout << "brought in " << n.Clientes << " clients, " << n.Contratos << " contracts, " << n.Guias << " Guias, "
               << n.Linhas << " lines and " << n.Servicos << " services\n";

@@ -24,14 +24,6 @@ const std::set<std::string>& folder_names()
     return names;
 }
 
-// The path of a command below the program: "" for the program, "db init".
-std::string path_of(const CLI::App& command)
-{
-    const std::string full = command_path(command);
-    const auto space = full.find(' ');
-    return space == std::string::npos ? std::string() : full.substr(space + 1);
-}
-
 std::string joined(const std::vector<std::string>& words)
 {
     std::string out;
@@ -45,7 +37,7 @@ std::string takes(const CLI::Option& opt, const std::string& path)
     if (file_names().contains(opt.get_name())) return "file";
     if (folder_names().contains(opt.get_name())) return "dir";
     if (const auto words = value_choices(opt); !words.empty()) return joined(words);
-    if (path == "document" && opt.get_positional()) {
+    if (path == "nimbara document" && opt.get_positional()) {
         std::vector<std::string> names;
         for (const auto n : GlobalXML::document_names()) names.emplace_back(n);
         return joined(names);
@@ -64,7 +56,8 @@ void write_completion(std::ostream& out, const CLI::App& app)
 {
     std::map<std::string, std::string> subs, opts, values, positional;
     for (const auto* command : all_commands(app)) {
-        const std::string path = path_of(*command);
+        // Keyed by the whole name ("nimbara db init"), as bash takes no empty key.
+        const std::string path = command_path(*command);
         std::vector<std::string> sub_names, option_names;
         for (const auto* sub : command->get_subcommands([](const CLI::App*) { return true; }))
             sub_names.push_back(sub->get_name());
@@ -96,7 +89,7 @@ void write_completion(std::ostream& out, const CLI::App& app)
     table("opts", opts);
     table("values", values);
     table("positional", positional);
-    out << R"(    local path="" word i first=1
+    out << R"(    local path=nimbara word i first=1
     COMPREPLY=()
     # `nimbara help COMMAND...` completes the names of commands only.
     if [[ ${COMP_WORDS[1]} == help && $COMP_CWORD -gt 1 ]]; then
@@ -105,7 +98,7 @@ void write_completion(std::ostream& out, const CLI::App& app)
     for ((i = first; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
         if [[ " ${subs[$path]} " == *" $word "* && $word != help ]]; then
-            path=${path:+$path }$word
+            path="$path $word"
         fi
     done
     if [[ $first == 2 ]]; then
