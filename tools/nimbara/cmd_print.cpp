@@ -59,7 +59,6 @@ void register_print(CLI::App& app, int& status)
     auto run = std::make_shared<PrintRun>();
     add_guia_options(*cmd, run->guia, true);
     cmd->add_flag("--only-printer", run->guia.only_printer, "Print without validating and without a report")
-        ->excludes(cmd->get_option("--report-dir"))
         ->excludes(cmd->get_option("--report"));
     auto* out_dir = cmd->add_option("--out-dir", run->guia.out_dir,
                     "Folder of the printed PDFs, one file per copy, created if missing (default: the report folder)");

@@ -123,7 +123,7 @@ std::string explain_minimum(const Minimum& rule, const GuiaFile& file)
     std::string named;
     for (std::size_t i = 0; i < lines.size(); ++i) named += (i == 0 ? "" : i + 1 == lines.size() ? " and " : ", ") + lines[i];
     return "product " + rule.product + (rule.which.empty() ? "" : " (" + rule.which + ")") + ": the D_Quantidade of " +
-           (lines.size() == 1 ? "line " : "lines ") + named + " sum to " + std::to_string(sum) +
+           (lines.size() == 1 ? "line " + named + " is " : "lines " + named + " sum to ") + std::to_string(sum) +
            " objects, below the minimum of " + std::to_string(rule.least);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <optional>
 
 #include "help_format.hpp"
 #include "suggest.hpp"
@@ -74,16 +75,29 @@ std::pair<std::string, std::string> split_name(const std::string& message)
     return {message.substr(0, colon), message.substr(colon + 2)};
 }
 
-std::string extras(const CLI::App& command, const std::vector<std::string>& args, const std::string& message)
+// An option the command does not know, which the parser may have taken for an argument too many.
+std::optional<std::string> unknown_option(const CLI::App& command, const std::vector<std::string>& args)
 {
-    const auto names = option_names(command);
+    auto names = option_names(command);
+    for (const CLI::App* above = command.get_parent(); above; above = above->get_parent()) {
+        const auto more = option_names(*above);
+        names.insert(names.end(), more.begin(), more.end());
+    }
     for (const auto& arg : args) {
+        // "-1" is a value, not an option.
+        if (arg.size() < 2 || arg[0] != '-' || !(arg[1] == '-' || std::isalpha(static_cast<unsigned char>(arg[1]))))
+            continue;
         const std::string name = arg.substr(0, arg.find('='));
-        if (arg.starts_with('-') && arg != "-" && std::find(names.begin(), names.end(), name) == names.end()) {
-            const auto near = closest(name, names);
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            const auto near = closest(name, option_names(command));
             return "unknown option " + in_quotes(name) + (near ? "; did you mean " + in_quotes(*near) + "?" : "");
         }
     }
+    return std::nullopt;
+}
+
+std::string extras(const CLI::App& command, const std::string& message)
+{
     // The parser names the words it could not place after its own wording.
     const auto colon = message.rfind(": ");
     const std::string words = colon == std::string::npos ? message : message.substr(colon + 2);
@@ -142,7 +156,9 @@ std::string two_names(const std::string& message, const std::string& word)
 std::string plain_parse_error(const CLI::ParseError& e, const CLI::App& command, const std::vector<std::string>& args)
 {
     const std::string message = e.what();
-    if (dynamic_cast<const CLI::ExtrasError*>(&e)) return extras(command, args, message);
+    if (dynamic_cast<const CLI::ExtrasError*>(&e) || dynamic_cast<const CLI::ArgumentMismatch*>(&e))
+        if (const auto unknown = unknown_option(command, args)) return *unknown;
+    if (dynamic_cast<const CLI::ExtrasError*>(&e)) return extras(command, message);
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) return mismatch(command, message);
     if (dynamic_cast<const CLI::RequiredError*>(&e)) return required(command, message, args);
     if (dynamic_cast<const CLI::ExcludesError*>(&e)) {
