@@ -46,8 +46,9 @@ std::string PlainFormatter::make_option_opts(const CLI::Option* opt) const
     std::string out;
     // A flag has no type name: it takes no value.
     if (opt->get_type_size() != 0 && !base_type(*opt).empty()) {
-        // An argument's name says what it is; an option's value is named after it.
+        // An argument's name says what it is, and its words what it takes; an option's value is named.
         if (!opt->get_positional()) out += " " + value_name(*opt);
+        else if (!value_choices(*opt).empty()) out += " " + value_name(*opt);
         if (opt->get_expected_max() == CLI::detail::expected_max_vector_size) out += " ...";
         if (opt->get_required()) out += " (required)";
     }
