@@ -1,5 +1,5 @@
-# What `cmake --install` puts in place: headers, both libraries, the program, the CMake package and
-# nimbara.pc.
+# What `cmake --install` puts in place: headers, both libraries, the program with its manual page and
+# bash completion, the CMake package and nimbara.pc.
 include(CMakePackageConfigHelpers)
 
 set(NIMBARA_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/nimbara)
@@ -9,6 +9,9 @@ install(TARGETS nimbara nimbara_static EXPORT nimbaraTargets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(NIMBARA_BUILD_PROGRAM)
   install(TARGETS nimbara_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${CMAKE_BINARY_DIR}/share/man/man1/nimbara.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${CMAKE_BINARY_DIR}/share/bash-completion/completions/nimbara
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 endif()
 install(DIRECTORY include/nimbara DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${NIMBARA_GENERATED_INCLUDE}/nimbara/version.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nimbara)

@@ -81,7 +81,9 @@ TEST(PrintPdf, OneFileHoldsEveryPassingGuiaInTurnAndNothingWhenNonePasses)
                        folder.path().string());
     EXPECT_EQ(r.status, 1) << "the worst of the Guias: one failed\n" << r.err;
     ASSERT_TRUE(fs::exists(batch)) << r.err;
-    EXPECT_EQ(r.err, "nimbara print: printed " + batch.string() + "\n");
+    // The failing Guia's explanations come first; the batch is the one file printed.
+    EXPECT_TRUE(r.err.ends_with("\nnimbara print: printed " + batch.string() + "\n")) << r.err;
+    EXPECT_EQ(r.err.find("printed "), r.err.rfind("printed ")) << r.err;
     ASSERT_EQ(pages_of(batch), 3) << "one page, then the failing Guia's none, then two";
     EXPECT_EQ(symbol_of(batch, 1, folder.path()), kValidGuia);
     EXPECT_EQ(symbol_of(batch, 3, folder.path()).substr(45, 4), "0202");

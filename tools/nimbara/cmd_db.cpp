@@ -7,6 +7,10 @@ void register_db(CLI::App& app, int& status)
 {
     auto* db = app.add_subcommand("db", "Work on the database: create it, read its lists and settings, store clients and Guias, check Guias against its rule tables, print them, import an old one");
     db->require_subcommand(1);
+    db->footer("Every db command takes --db CONN. Exit status: that of the command run; 2 when the database cannot "
+               "be opened or is not a Guia database.\nnimbara db help COMMAND (or nimbara help db COMMAND) shows a "
+               "command's options, exit codes and examples.\nExamples:\n  nimbara db init --db sqlite:shop.db\n"
+               "  nimbara db help import");
     register_db_init(*db, status);
     register_db_refs(*db, status);
     register_db_params(*db, status);

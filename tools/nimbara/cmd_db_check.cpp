@@ -109,7 +109,7 @@ void register_db_check(CLI::App& db, int& status)
     check->add_flag("--json", o->json, "Write the results as one JSON document: each line's and the Guia's");
     check->footer("Each result is 0, or the error number, a tab and its description. The program's own "
                   "Tbl_Temp_Val_Guia holds this Guia only.\nExit status: 0 all passed, 1 a line or the Guia failed, 2 no such "
-                  "Guia or the database could not be read.");
+                  "Guia or the database could not be read.\nExample:\n  nimbara db check 12");
     check->callback([o, &status] {
         status = run_db_command("check", o->json, std::cout, std::cerr, [&] { return check_guia(*o); });
     });
@@ -121,7 +121,7 @@ void register_db_check(CLI::App& db, int& status)
     lines->add_flag("--json", o->json, "Write the results as one JSON document");
     lines->footer("The sampling column is read and ignored; a pre-treatment above 0 is selected.\nExit status: 0 every "
                   "row was judged (failing lines included), 2 a row could not be judged, the input could not be "
-                  "read or the database could not be opened.");
+                  "read or the database could not be opened.\nExample:\n  nimbara db check-lines lines.tsv");
     lines->callback([o, &status] {
         status = run_db_command("check-lines", o->json, std::cout, std::cerr, [&] {
             const auto db = open_command_database(o->conn);

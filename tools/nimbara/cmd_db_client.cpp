@@ -328,6 +328,8 @@ void register_db_client(CLI::App& db, int& status)
 {
     auto* client = db.add_subcommand("client", "Clients with their contracts");
     client->require_subcommand(1);
+    client->footer("Exit status: that of the command run.\nExamples:\n  nimbara db client list\n"
+                   "  nimbara db client help save");
     auto o = std::make_shared<ClientOptions>();
     const auto add = [&](const char* name, const char* help, int (*body)(const ClientOptions&)) {
         auto* cmd = client->add_subcommand(name, help);
@@ -346,16 +348,23 @@ void register_db_client(CLI::App& db, int& status)
     with_json(add("save", "Create or update a client and its contracts from a JSON file; print Id_Cliente and Cod_Cliente",
                   save),
               "Write {\"input\", \"status\", \"Id_Cliente\", \"Cod_Cliente\"} as JSON")
+        ->footer("Exit status: 0 saved, 2 a refused file or value (nothing is stored).\nExamples:\n"
+                 "  nimbara db client save client.json\n  nimbara db client save - < client.json")
         ->add_option("CLIENT", o->file, "The client file (JSON); - reads standard input")
         ->required();
     with_json(add("show", "Write a client with its contracts as JSON (a client file)", show),
               "The client is JSON already; a refusal is then JSON on standard output too")
+        ->footer("Exit status: 0 written, 2 no such client.\nExample:\n  nimbara db client show 456 > client.json")
         ->add_option("COD", o->cod, "The client number")
         ->required();
     with_json(add("list", "Print every client as TSV with a header line", list),
-              "Write {\"status\", \"clients\": [...]} as JSON");
+              "Write {\"status\", \"clients\": [...]} as JSON")
+        ->footer("Exit status: 0 listed, 2 a database that cannot be read.\nExamples:\n  nimbara db client list\n"
+                 "  nimbara db client list --json");
     with_json(add("delete", "Delete a client with its contracts and Guias; print what went", remove),
               "Write what was deleted as one JSON document")
+        ->footer("Exit status: 0 deleted, 2 no such client or a database that cannot be written (nothing is "
+                 "deleted).\nExample:\n  nimbara db client delete 456")
         ->add_option("COD", o->cod, "The client number")
         ->required();
 }

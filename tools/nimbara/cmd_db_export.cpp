@@ -125,7 +125,7 @@ void register_db_export(CLI::App& db, int& status)
     auto* format = cmd->add_option("--format", o->format,
                                    "csv (default; RFC 4180, UTF-8, CR LF), tsv, json, or legacy (the old text, "
                                    "values separated by --sep)")
-                       ->check(CLI::IsMember({"csv", "tsv", "json", "legacy"}));
+                       ->check(one_of({"csv", "tsv", "json", "legacy"}));
     cmd->add_flag("--json", *json, "The same as --format json");
     cmd->add_option("--sep", o->sep, "The separator of --format legacy (default: ;)");
     cmd->footer("CSV and TSV have the columns of db list, then ServEsp_CODE for every special-service code of the "

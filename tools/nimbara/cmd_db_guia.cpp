@@ -97,6 +97,9 @@ void register_db_guia(CLI::App& db, int& status)
     add_db_option(*save_cmd, o->conn);
     save_cmd->add_flag("--json", o->json,
                        "Write {\"input\", \"status\", \"N_Req\", \"N_Req2\", \"Id_Req_Anual\", \"not_printable\"} as JSON");
+    save_cmd->footer("Exit status: 0 stored (a warning names what would keep it from printing), 2 a refused file or "
+                     "value, or an unknown client or contract (nothing is stored).\nExamples:\n"
+                     "  nimbara db save examples/valid-guia.json\n  nimbara db save - < guia.json");
     save_cmd->callback([o, &status] {
         status = run_db_command("save", o->json, std::cout, std::cerr, [&] { return save(*o); });
     });
@@ -104,12 +107,16 @@ void register_db_guia(CLI::App& db, int& status)
     auto* show_cmd = db.add_subcommand("show", "Write a stored Guia as a Guia file");
     show_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*show_cmd, o->conn);
+    show_cmd->footer("Exit status: 0 written, 2 no such Guia or a database that cannot be read.\nExample:\n"
+                     "  nimbara db show 12 > guia.json");
     show_cmd->callback([o, &status] { status = run_db_command("show", std::cerr, [&] { return show(*o); }); });
 
     auto* delete_cmd = db.add_subcommand("delete", "Delete a stored Guia with its lines and services; print what went");
     delete_cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
     add_db_option(*delete_cmd, o->conn);
     delete_cmd->add_flag("--json", o->json, "Write what was deleted as one JSON document");
+    delete_cmd->footer("Exit status: 0 deleted, 2 no such Guia or a database that cannot be written (nothing is "
+                       "deleted).\nExamples:\n  nimbara db delete 12\n  nimbara db delete 12 --json");
     delete_cmd->callback([o, &status] {
         status = run_db_command("delete", o->json, std::cout, std::cerr, [&] { return remove(*o); });
     });

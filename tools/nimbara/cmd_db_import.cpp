@@ -27,18 +27,15 @@ namespace nimbara::cli {
 namespace {
 
 // The progress as a bar redrawn in place on standard error when that is a terminal, nothing
-// otherwise; the importer's messages on standard error.
+// otherwise; the library's messages are left to the command.
 class ImportNotifier final : public Notifier {
 public:
     ImportNotifier() : terminal_(::isatty(STDERR_FILENO) == 1) {}
     ~ImportNotifier() override { end_bar(); }
 
-    void message(MessageIcon, std::string_view title, std::string_view text) override
-    {
-        end_bar();
-        if (!title.empty()) std::cerr << title << ": ";
-        std::cerr << text << std::endl;
-    }
+    // The library's message boxes tell a desktop host the outcome in Portuguese; the command tells it
+    // itself, in English, with the cause.
+    void message(MessageIcon, std::string_view, std::string_view) override { end_bar(); }
     void busy(bool) override {}
     void progress(int value) override
     {
@@ -279,11 +276,11 @@ int import(const Options& o)
                 whole.commit();
             } catch (const DatabaseError& e) {
                 failure = std::string("committing the import: ") + e.what();
-                std::cerr << "nimbara db import: " << failure << '\n';
             }
         }
     }
     if (!failure.empty()) {
+        std::cerr << "nimbara db import: not imported, the database is as it was: " << failure << '\n';
         if (o.json)
             write_json(std::cout, {{"command", "nimbara db import"}, {"status", 1}, {"file", o.file},
                                    {"procedure", reading.procedure}, {"dry_run", o.dry_run}, {"error", failure}});
@@ -352,6 +349,12 @@ void register_db_import(CLI::App& db, int& status)
         status = run_db_command("import", o->json, std::cout, std::cerr, [&] { return import(*o); });
     });
     add_db_option(*cmd, o->conn);
+    cmd->footer("The whole import is one transaction; --version may be left out when the file's layout fits one "
+                "version. Exit status: 0 imported (with --dry-run: checked, nothing changed), 1 the import failed or "
+                "the file's rows do not hang together (the database is left as it was), 2 a missing, empty or "
+                "unreadable file, an unknown version or one that does not fit the file, before anything is touched.\n"
+                "Examples:\n  nimbara db import old.mdb --dry-run\n  nimbara db import old.mdb --version 0514\n"
+                "  nimbara db import old.mdb --procedure DoImportDados0510 --db shop.db");
 }
 
 }  // namespace nimbara::cli

@@ -47,6 +47,10 @@ void register_db_init(CLI::App& db, int& status)
     add_db_option(*cmd, o->conn);
     cmd->add_flag("--into-existing", o->into_existing,
                   "Add the Guia tables to a database that holds tables of another program");
+    cmd->footer("Exit status: 0 created, 2 no database named, a database that holds the tables already, another "
+                "program's tables without --into-existing, or a database that cannot be opened or created (nothing is "
+                "created then).\nExamples:\n  nimbara db init --db sqlite:shop.db\n"
+                "  nimbara db init --db postgresql://clerk@server/guias");
     cmd->callback([o, &status] { status = run_db_command("init", std::cerr, [&] { return init(*o); }); });
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "commands.hpp"
+#include "option_checks.hpp"
 #include "db_command.hpp"
 #include "delimited.hpp"
 #include "guia_listing.hpp"
@@ -62,9 +63,12 @@ void register_db_list(CLI::App& db, int& status)
     auto o = std::make_shared<ListOptions>();
     add_listing_options(*cmd, *o);
     auto* format = cmd->add_option("--format", o->format, "tsv (default), csv (RFC 4180, as db export writes it) or json")
-                       ->check(CLI::IsMember({"tsv", "csv", "json"}));
+                       ->check(one_of({"tsv", "csv", "json"}));
     auto json = std::make_shared<bool>(false);
     cmd->add_flag("--json", *json, "The same as --format json");
+    cmd->footer("Exit status: 0 listed (no line matching is no error), 2 a filter or order word refused or a "
+                "database that cannot be read.\nExamples:\n  nimbara db list --year 2026 --month 11\n"
+                "  nimbara db list --client 456 --order \"data desc,guia\" --format csv > lines.csv");
     cmd->callback([o, json, format, &status] {
         status = run_db_command("list", *json || o->format == "json", std::cout, std::cerr, [&] {
             if (*json && format->count() > 0 && o->format != "json")

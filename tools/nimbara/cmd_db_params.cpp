@@ -114,11 +114,14 @@ void register_db_params(CLI::App& db, int& status)
     add_db_option(*cmd, o->conn);
     cmd->add_flag("--json", o->json,
                   "Write the settings as one JSON document: {\"status\", \"settings\": {NAME: {\"value\", \"set\"}}}");
+    cmd->footer("Exit status: 0 printed, 2 a database that cannot be read.\nExamples:\n  nimbara db params\n"
+                "  nimbara db params set vGuiaNVias=2");
     auto* set_cmd = cmd->add_subcommand("set", "Check and save settings given as NAME=VALUE");
     set_cmd->add_option("ASSIGNMENT", o->assignments, "NAME=VALUE, NAME one of the names `params` prints")->required();
     set_cmd->footer("Margins (vGuiaMargensTopo, vGuiaMargensEsquerda) are whole twips, 567 to 10 millimetres, or "
                     "millimetres written with \"mm\" (10mm). Every setting is checked by the rules printing reads it "
-                    "with; a refused one saves nothing (exit 2).\nExample:\n  nimbara db params set vGuiaNVias=2 "
+                    "with; a refused one saves nothing.\nExit status: 0 saved, 2 a refused setting or a database that "
+                    "cannot be written (nothing is saved).\nExample:\n  nimbara db params set vGuiaNVias=2 "
                     "vGuiaMargensTopo=10mm");
     add_db_option(*set_cmd, o->conn);
     set_cmd->callback([o, &status] { status = run_db_command("params set", std::cerr, [&] { return set(*o); }); });

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands.hpp"
+#include "option_checks.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
 #include "nimbara/FormImpressao.hpp"
@@ -147,7 +148,7 @@ void register_db_print(CLI::App& db, int& status)
     cmd->add_option("--edition", o->edition,
                     "database (default): the database edition, whose symbol holds N_Req in four digits; array: the "
                     "headless edition, whose symbol carries the yearly number, for Guias beyond N_Req 9999")
-        ->check(CLI::IsMember({"database", "array"}));
+        ->check(one_of({"database", "array"}));
     cmd->add_option("--print-log", o->print_log,
                     "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->add_flag("-q,--quiet", o->quiet, "Do not name the printed files");

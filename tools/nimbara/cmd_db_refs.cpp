@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "commands.hpp"
+#include "option_checks.hpp"
 #include "db_command.hpp"
 #include "delimited.hpp"
 #include "json_output.hpp"
@@ -87,10 +88,12 @@ void register_db_refs(CLI::App& db, int& status)
     auto o = std::make_shared<RefsOptions>();
     std::vector<std::string> names;
     for (const auto& [name, maker] : lists()) names.push_back(name);
-    cmd->add_option("NAME", o->name, "The list")->required()->check(CLI::IsMember(names));
+    cmd->add_option("NAME", o->name, "The list")->required()->check(one_of(names));
     cmd->add_flag("--active", o->active, "Only the active rows (the client references have no such mark: all rows)");
     cmd->add_flag("--json", o->json, "Write the list as one JSON document: {\"list\", \"status\", \"rows\": [...]}");
     add_db_option(*cmd, o->conn);
+    cmd->footer("Exit status: 0 listed, 2 an unknown list or a database that cannot be read.\nExamples:\n"
+                "  nimbara db refs zona --active\n  nimbara db refs servico --json --db shop.db");
     cmd->callback([o, &status] {
         status = run_db_command("refs", o->json, std::cout, std::cerr, [&] { return refs(*o); });
     });

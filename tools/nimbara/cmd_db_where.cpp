@@ -70,6 +70,8 @@ void register_db_where(CLI::App& db, int& status)
     auto o = std::make_shared<WhereOptions>();
     add_db_option(*cmd, o->conn);
     cmd->add_flag("--json", o->json, "Write the answer as one JSON document");
+    cmd->footer("Exit status: 0 a database is named, 2 none of the four places names one, or a config file "
+                "that cannot be read.\nExamples:\n  nimbara db where\n  NIMBARA_DB=shop.db nimbara db where --json");
     cmd->callback([o, &status] {
         status = run_db_command("where", o->json, std::cout, std::cerr, [&] { return where(*o); });
     });

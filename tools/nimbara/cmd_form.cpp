@@ -10,6 +10,7 @@
 #include <string>
 
 #include "commands.hpp"
+#include "option_checks.hpp"
 #include "nimbara/cls_Impressao.hpp"
 #include "nimbara/cls_ImpressaoA.hpp"
 #include "nimbara/PdfSurface.hpp"
@@ -102,11 +103,11 @@ void register_form(CLI::App& app, int& status)
     auto* cmd = app.add_subcommand("form", "Print the empty form of one edition as a test page (A4 landscape PDF)");
     auto o = std::make_shared<FormOptions>();
     cmd->add_option("--out", o->out, "The PDF file to write; - writes it to standard output")->required();
-    cmd->add_option("--png", o->png, "Also render the page to this PNG file; - writes it to standard output");
-    cmd->add_option("--dpi", o->dpi, "Resolution of the PNG (default 150)")->check(CLI::Range(10.0, 2400.0));
+    auto* png = cmd->add_option("--png", o->png, "Also render the page to this PNG file; - writes it to standard output");
+    cmd->add_option("--dpi", o->dpi, "Resolution of the PNG (default 150)")->check(number_in(10, 2400))->needs(png);
     cmd->add_option("--edition", o->edition, "array (headless road, default) or database")
-        ->check(CLI::IsMember({"array", "database"}));
-    cmd->add_option("--copy", o->copy, "0 prints \"Original\", N prints \"Duplicado N\"")->check(CLI::Range(0, 32767).description("0 to 32767"));
+        ->check(one_of({"array", "database"}));
+    cmd->add_option("--copy", o->copy, "0 prints \"Original\", N prints \"Duplicado N\"")->check(whole_in(0, 32767));
     cmd->add_option("--date", o->date, "The request date as printed, e.g. 2024-03-15");
     cmd->add_option("--left", o->left, "Left offset of the page in millimetres");
     cmd->add_option("--top", o->top, "Top offset of the page in millimetres");

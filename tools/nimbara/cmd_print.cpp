@@ -95,13 +95,15 @@ void register_print(CLI::App& app, int& status)
     auto* cmd = app.add_subcommand("print", "Validate Guia files, write their reports, print those that pass");
     auto run = std::make_shared<PrintRun>();
     add_guia_options(*cmd, run->guia, true);
-    cmd->add_flag("--only-printer", run->guia.only_printer, "Print without validating and without a report");
-    cmd->add_option("--out-dir", run->guia.out_dir,
+    cmd->add_flag("--only-printer", run->guia.only_printer, "Print without validating and without a report")
+        ->excludes(cmd->get_option("--report"));
+    auto* out_dir = cmd->add_option("--out-dir", run->guia.out_dir,
                     "Folder of the printed PDFs, one file per copy, created if missing (default: the report folder)");
     cmd->add_option("--one-file", run->one_file,
                     "Print every copy of every Guia that passes into this one PDF, as one print job (for batches); "
                     "a taken name gains -2, -3...; - writes it to standard output, the answers then going to standard error "
-                    "(not with --json)");
+                    "(not with --json)")
+        ->excludes(out_dir);
     cmd->add_option("--print-log", run->guia.print_log,
                     "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->footer("Exit status: the worst of the Guias: 0 printed, 1 a line or the Guia failed (see the report), 2 bad "

@@ -14,7 +14,9 @@
 #include "nimbara/GlobalFrameWork.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
+#include "explanation.hpp"
 #include "json_output.hpp"
+#include "option_checks.hpp"
 #include "standard_streams.hpp"
 #include "verdict_json.hpp"
 
@@ -47,7 +49,7 @@ struct Refusal : std::runtime_error {
 };
 
 nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& problems,
-                       const std::vector<std::string>& warnings, int status)
+                       const std::vector<std::string>& warnings, int status, const GuiaFile& file)
 {
     nlohmann::json j;
     j["answer"] = guia_answer(outcome);
@@ -62,11 +64,13 @@ nlohmann::json as_json(const GuiaOutcome& outcome, const std::vector<Failure>& p
         d["place"] = "/produtos/" + std::to_string(e.row);
         // What the report lists as accepted in the failing field's place.
         d["possible_values"] = possible_values_json(e.possible_values, e.weight_steps);
+        if (const auto x = explanation(e.error, file, e.row)) d["explanation"] = *x;
         j["errors"].push_back(d);
     }
     if (outcome.guia_error) {
         auto d = error_json(*outcome.guia_error);
         d["place"] = "/";
+        if (const auto x = explanation(*outcome.guia_error, file, std::nullopt)) d["explanation"] = *x;
         j["errors"].push_back(d);
     }
     j["not_printed"] = nlohmann::json::array();
@@ -86,6 +90,9 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
             if (const auto refused = stream_name_refusal(option, *place, what)) throw Refusal{*refused};
     const GuiaFile file = read_guia_input(run.file);
     const std::string source = run.file == "-" ? "<stdin>" : run.file;
+    // The library passes a Guia without lines, as it always did; the program does not take one.
+    if (file.produtos.empty())
+        throw Refusal{source + ": /produtos: the Guia has no product lines; nothing was checked or printed"};
     // Both inputs read a weight the same way: a whole number of 32 bits (a weight not given is 0, as
     // the façade reads an empty cell).
     for (std::size_t i = 0; i < file.produtos.size(); ++i) {
@@ -128,8 +135,14 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         return 3;
     }
 
-    const GuiaOutcome outcome = guia.ImprimeGuiaOutcome(run.only_printer);
+    GuiaOutcome outcome = guia.ImprimeGuiaOutcome(run.only_printer);
     if (outcome.failure) throw Refusal{source + ": " + outcome.failure->cause};
+    // A report that was not asked for goes again: the answer then names no file.
+    if (outcome.report && (run.report == "never" || (run.report == "errors" && !outcome.errors))) {
+        std::error_code ignored;
+        fs::remove(*outcome.report, ignored);
+        outcome.report.reset();
+    }
 
     int status = outcome.errors ? 1 : 0;
     if (status == 0 && run.printing) {
@@ -140,9 +153,18 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         if (run.printer && !outcome.print_failures.empty()) *run.printer_spoiled = true;
     }
     if (run.json)
-        document = as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status);
+        document = as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status, file);
     else
         out << guia_answer(outcome) << '\n';
+    if (!run.quiet) {
+        for (const auto& e : outcome.line_errors)
+            if (const auto x = explanation(e.error, file, e.row))
+                err << "nimbara " << command << ": " << source << ": /produtos/" << e.row << " (line " << e.N_Linha
+                    << "): " << e.error.number << ": " << *x << '\n';
+        if (outcome.guia_error)
+            if (const auto x = explanation(*outcome.guia_error, file, std::nullopt))
+                err << "nimbara " << command << ": " << source << ": " << outcome.guia_error->number << ": " << *x << '\n';
+    }
     if (!run.quiet)
         for (const auto& pdf : outcome.printed) err << "nimbara " << command << ": printed " << pdf.string() << '\n';
     if (status == 3) {
@@ -199,8 +221,12 @@ void add_guia_options(CLI::App& cmd, GuiaRun& r, bool many)
                         "possible values, and status (an array for several files; a refusal too)"
                       : "Write one JSON document: the answer, report, errors with their place and possible values, "
                         "and status (a refusal too)");
-    cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");
-    cmd.add_flag("-v,--verbose", r.verbose, "Also show the print log's debugging messages");
+    cmd.add_option("--report", r.report,
+                   "When to leave a report: always (default, as ImprimeGuia does), errors (only for a Guia that "
+                   "failed) or never")
+        ->check(one_of({"always", "errors", "never"}));
+    auto* quiet = cmd.add_flag("-q,--quiet", r.quiet, "Say nothing on standard error but refusals");
+    cmd.add_flag("-v,--verbose", r.verbose, "Also show the print log's debugging messages")->excludes(quiet);
 }
 
 int run_guia(const GuiaRun& r, std::ostream& out, std::ostream& err, const std::string& command,

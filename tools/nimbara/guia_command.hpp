@@ -22,6 +22,7 @@ struct GuiaRun {
     std::optional<std::string> report_dir;  // the current folder when not given
     std::optional<std::string> out_dir;     // where printed copies go; the report folder when not given
     std::optional<std::string> print_log;   // under $XDG_STATE_HOME/nimbara when not given
+    std::string report = "always";          // always, errors (only a Guia that failed) or never
     bool only_printer = false;
     bool printing = true;
     bool json = false;

@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "db_command.hpp"
+#include "option_checks.hpp"
 
 namespace nimbara::cli {
 
 void add_listing_options(CLI::App& cmd, ListingOptions& o)
 {
     cmd.add_option("--year", o.year, "Only the Guias of this year");
-    cmd.add_option("--month", o.month, "Only the Guias of this month (1 to 12; 0 for all)");
+    cmd.add_option("--month", o.month, "Only the Guias of this month (every month when left out)")->check(whole_in(1, 12));
     cmd.add_option("--client", o.client, "Only the Guias of this client number (0 for all)");
     cmd.add_option("--order", o.order,
                    "Column words separated by commas, each with asc or desc if wanted: guia, data, cliente, nome, "
