@@ -305,7 +305,7 @@ int remove(const ClientOptions& o)
     if (!c.LastError().empty()) throw CommandError("nothing was deleted: " + c.LastError());
     t.commit();
     if (o.json) {
-        write_json(std::cout, {{"command", "nimbara db client delete"},
+        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db client delete"},
                                {"status", 0},
                                {"deleted", {{"cod_cliente", c.vCod_Cliente}, {"nome", c.vNome},
                                             {"contracts", contracts}, {"guias", guias.size()}, {"n_req", guias},

@@ -10,6 +10,7 @@
 #include "guia_listing.hpp"
 #include "json_output.hpp"
 #include "line_services.hpp"
+#include "option_checks.hpp"
 
 namespace nimbara::cli {
 namespace {

@@ -75,7 +75,7 @@ int remove(const GuiaOptions& o)
     if (!g.LastError().empty()) throw CommandError("nothing was deleted: " + g.LastError());
     t.commit();
     if (o.json) {
-        write_json(std::cout, {{"command", "nimbara db delete"},
+        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db delete"},
                                {"status", 0},
                                {"deleted", {{"n_req", o.n_req}, {"cod_cliente", client}, {"nome", name},
                                             {"lines", lines}, {"services", services}}}});

@@ -282,7 +282,7 @@ int import(const Options& o)
     if (!failure.empty()) {
         std::cerr << "nimbara db import: not imported, the database is as it was: " << failure << '\n';
         if (o.json)
-            write_json(std::cout, {{"command", "nimbara db import"}, {"status", 1}, {"file", o.file},
+            write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db import"}, {"status", 1}, {"file", o.file},
                                    {"procedure", reading.procedure}, {"dry_run", o.dry_run}, {"error", failure}});
         return 1;
     }
@@ -290,7 +290,7 @@ int import(const Options& o)
     const ImportCounts& n = importacao.LastCounts();
     const Rows brought{n.Clientes, n.Contratos, n.Guias, n.Linhas, n.Servicos};
     if (o.json) {
-        write_json(std::cout, {{"command", "nimbara db import"},
+        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db import"},
                                {"status", 0},
                                {"file", o.file},
                                {"layout", reading.layout ? nlohmann::json(reading.layout->Name) : nlohmann::json(nullptr)},

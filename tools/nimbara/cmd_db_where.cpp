@@ -44,7 +44,7 @@ int where(const WhereOptions& o)
             if (!p.problem.empty()) item["problem"] = p.problem;
             places.push_back(item);
         }
-        write_json(std::cout, {{"command", "nimbara db where"},
+        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db where"},
                                {"status", 0},
                                {"connection", shown_connection(conn)},
                                {"from", source.name},

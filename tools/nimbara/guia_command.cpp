@@ -131,7 +131,7 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
     }
     if (run.only_printer && !problems.empty()) {
         for (const auto& p : problems) err << "nimbara " << command << ": not printed: " << p.where << ": " << p.cause << '\n';
-        document = as_json(GuiaOutcome{}, problems, warnings, 3);
+        document = as_json(GuiaOutcome{}, problems, warnings, 3, file);
         return 3;
     }
 
