@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 
 set(NIMBARA_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/nimbara)
-install(TARGETS nimbara nimbara_static EXPORT nimbaraTargets
+install(TARGETS nimbara nimbara_static nimbara_c EXPORT nimbaraTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
