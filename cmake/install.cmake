@@ -26,3 +26,6 @@ set(NIMBARA_PC_REQUIRES_PRIVATE "sqlite3")
 set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS} -Wl,-rpath,\${libdir}/nimbara")
 configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# The C interface for hosts without CMake: only the include folder and the one library.
+configure_file(cmake/nimbara_c.pc.in ${CMAKE_BINARY_DIR}/nimbara_c.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/nimbara_c.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
