@@ -8,10 +8,9 @@
 
 namespace nimbara::capi {
 
-std::string_view text_in(const char* data, std::size_t size, const char* what)
+void refuse_null_text(const char* what)
 {
-    if (data == nullptr && size != 0) throw Refusal(NIMBARA_BAD_ARGUMENT, std::string(what) + " is NULL with a length");
-    return data == nullptr ? std::string_view() : std::string_view(data, size);
+    throw Refusal(NIMBARA_BAD_ARGUMENT, std::string(what) + " is NULL with a length");
 }
 
 void text_out(std::string_view text, char** data, std::size_t* size, const char* what)

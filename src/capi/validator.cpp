@@ -68,7 +68,11 @@ nimbara_status nimbara_check_line(const nimbara_validator* validator, const nimb
 {
     return guarded([&] {
         const auto& facade = required(validator, "validator").facade;
-        const nimbara_line l = sized_in(&required(line, "line"), "line");
+        // A host of this version's struct is read in place; an older, smaller one through a copy.
+        nimbara_line copy;
+        const bool whole = required(line, "line").struct_size >= sizeof(nimbara_line);
+        if (!whole) copy = sized_in(line, "line");
+        const nimbara_line& l = whole ? *line : copy;
         const auto result = facade.DoValidaProduto(
             text_in(l.produto, l.produto_size, "produto"), text_in(l.zona, l.zona_size, "zona"), l.peso,
             text_in(l.velocidade, l.velocidade_size, "velocidade"), text_in(l.formato, l.formato_size, "formato"),
