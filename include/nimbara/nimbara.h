@@ -273,6 +273,34 @@ NIMBARA_C_API nimbara_status nimbara_store_check(nimbara_store* store, int32_t n
 NIMBARA_C_API nimbara_status nimbara_store_print(nimbara_store* store, int32_t n_req, const char* folder,
                                                  size_t folder_size, nimbara_print_job** job);
 
+/* A client with its contracts, by the names of their properties: vCod_Cliente, vNome, iTipoCliente,
+ * vMorada, vLocalidade, vCodPostal, vDesigPostal, vNIF, vObservacoes, iAcessoRede; a contract's
+ * vCodContrato, vDesignacao, vJppCredenciado, vCodCredencial, vValidacao, vDescricao, bActivo. Numbers
+ * are written in digits, yes/no as "true" or "false". */
+typedef struct nimbara_client nimbara_client;
+
+NIMBARA_C_API nimbara_status nimbara_client_create(nimbara_client** client);
+NIMBARA_C_API void nimbara_client_destroy(nimbara_client* client);
+/* Sets the client's properties; an unknown name or a value of the wrong kind changes nothing. */
+NIMBARA_C_API nimbara_status nimbara_client_set(nimbara_client* client, const nimbara_field* fields, size_t count);
+/* Adds a contract with the properties given (the rest their defaults). */
+NIMBARA_C_API nimbara_status nimbara_client_add_contract(nimbara_client* client, const nimbara_field* fields,
+                                                         size_t count);
+NIMBARA_C_API size_t nimbara_client_contract_count(const nimbara_client* client);
+/* A property as text, of the client itself (contract NIMBARA_THE_CLIENT) or of contract `contract`;
+ * the text is the handle's until its next call of nimbara_client_get. */
+#define NIMBARA_THE_CLIENT ((size_t)-1)
+NIMBARA_C_API nimbara_status nimbara_client_get(nimbara_client* client, size_t contract, const char* name,
+                                                size_t name_size, const char** text, size_t* text_size);
+
+/* Creates the client of its number or updates the stored one (its contracts updated or added), all in
+ * one transaction, and answers its Id_Cliente (may be NULL). */
+NIMBARA_C_API nimbara_status nimbara_store_save_client(nimbara_store* store, const nimbara_client* client,
+                                                       int32_t* id_cliente);
+/* The stored client of that number; NIMBARA_NOT_FOUND when there is none. */
+NIMBARA_C_API nimbara_status nimbara_store_load_client(nimbara_store* store, int32_t cod_cliente,
+                                                       nimbara_client** client);
+
 /* Replacing the clients, contracts and Guias with those of an old database file. */
 typedef struct nimbara_import_options {
     size_t struct_size;

@@ -6,6 +6,7 @@
     True
 """
 from ._library import lib as _lib
+from .client import Client
 from .errors import (BadArgumentError, CancelledError, DatabaseError, InternalError, NimbaraError, NimbaraIOError,
                      NotFoundError, ValidationFailedError)
 from .guia import Guia, Validator
@@ -16,7 +17,7 @@ from .store import CancelFlag, ImportCounts, SavedGuia, Store
 __version__ = _lib.nimbara_version().decode("ascii")
 
 __all__ = [
-    "BadArgumentError", "CancelFlag", "CancelledError", "DatabaseError", "Guia", "GuiaError", "ImportCounts",
+    "BadArgumentError", "CancelFlag", "Client", "CancelledError", "DatabaseError", "Guia", "GuiaError", "ImportCounts",
     "InternalError", "NimbaraError", "NimbaraIOError", "NotFoundError", "Outcome", "PossibleValue", "SavedGuia",
     "Store", "ValidationFailedError", "Validator", "set_notifier", "__version__",
 ]

@@ -9,6 +9,7 @@ from typing import Callable, Dict, Iterator, List, Optional, Union
 
 from . import _library as c
 from ._handles import Handle, read_print_job
+from .client import Client
 from .errors import FAILED_VALIDATION, check
 from .guia import Guia
 from .outcome import Outcome, read_outcome
@@ -68,6 +69,19 @@ class Store:
 
     def __exit__(self, *exc: object) -> None:
         self.close()
+
+    def save_client(self, client: Client) -> int:
+        """Creates the client of its number or updates the stored one (its contracts updated or
+        added), all or nothing; answers its Id_Cliente."""
+        id_cliente = ctypes.c_int32()
+        check(c.lib.nimbara_store_save_client(self._handle.pointer, client._handle.pointer, ctypes.byref(id_cliente)))
+        return id_cliente.value
+
+    def load_client(self, cod_cliente: int) -> Client:
+        """The stored client of that number with its contracts; NotFoundError when there is none."""
+        pointer = ctypes.c_void_p()
+        check(c.lib.nimbara_store_load_client(self._handle.pointer, cod_cliente, ctypes.byref(pointer)))
+        return Client(pointer)
 
     def save(self, guia: Guia) -> SavedGuia:
         """Stores the Guia as a new Guia (its client and contract must exist)."""

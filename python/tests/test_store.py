@@ -6,9 +6,29 @@ import pytest
 import nimbara
 from conftest import JET_FIXTURES
 
-pytestmark = pytest.mark.skipif(not JET_FIXTURES.is_dir(), reason="the Jet fixtures in ../shared are absent")
+from conftest import EXAMPLES
+
+needs_fixtures = pytest.mark.skipif(not JET_FIXTURES.is_dir(), reason="the Jet fixtures in ../shared are absent")
 
 
+def test_a_client_is_stored_read_back_and_takes_a_guia(conn: str) -> None:
+    with nimbara.Store(conn, create=True) as store:
+        client = nimbara.Client(vCod_Cliente=456, vNome="Livraria O'Neill", iTipoCliente=2)
+        client.add_contract(vCodContrato=300042, vDesignacao="Correio", vJppCredenciado=True)
+        with pytest.raises(nimbara.BadArgumentError, match="iTipoCliente"):
+            client.set(iTipoCliente="many")
+        id_cliente = store.save_client(client)
+        assert store.save_client(client) == id_cliente
+        loaded = store.load_client(456).as_dict()
+        assert loaded["vNome"] == "Livraria O'Neill" and loaded["iTipoCliente"] == "2"
+        assert [(k["vCodContrato"], k["vJppCredenciado"]) for k in loaded["contratos"]] == [("300042", "true")]
+        with pytest.raises(nimbara.NotFoundError):
+            store.load_client(457)
+        saved = store.save(nimbara.Guia.from_file(EXAMPLES / "valid-guia.json"))
+        assert store.load(saved.n_req).validate().passed
+
+
+@needs_fixtures
 def test_an_imported_store_lists_loads_saves_checks_and_prints(conn: str) -> None:
     heard: list[str] = []
     busy: list[bool] = []
@@ -49,6 +69,7 @@ def test_an_imported_store_lists_loads_saves_checks_and_prints(conn: str) -> Non
         nimbara.set_notifier()
 
 
+@needs_fixtures
 def test_a_cancelled_or_failing_import_leaves_the_store_as_it_was(conn: str) -> None:
     with nimbara.Store(conn, create=True) as store:
         store.import_old(JET_FIXTURES / "v0513.mdb", "0513")

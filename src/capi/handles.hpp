@@ -9,6 +9,7 @@
 
 #include "capi/guarded.hpp"
 #include "nimbara/Database.hpp"
+#include "nimbara/client_store.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
 #include "nimbara/nimbara.h"
@@ -19,6 +20,11 @@ struct nimbara_guia {
 
 struct nimbara_validator {
     nimbara::cls_ValProdutosA facade;
+};
+
+struct nimbara_client {
+    nimbara::ClientFields fields;
+    std::string scratch;  // the last text nimbara_client_get handed out
 };
 
 struct nimbara_store {

@@ -7,6 +7,8 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <set>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -33,6 +35,7 @@ struct Release {
     void operator()(nimbara_print_job* p) const { nimbara_print_job_destroy(p); }
     void operator()(nimbara_store* p) const { nimbara_store_destroy(p); }
     void operator()(nimbara_listing* p) const { nimbara_listing_destroy(p); }
+    void operator()(nimbara_client* p) const { nimbara_client_destroy(p); }
     void operator()(char* p) const { nimbara_free(p); }
 };
 template <class T>
@@ -476,6 +479,94 @@ TEST_P(CApiStore, AnImportedGuiaIsListedLoadedSavedCheckedAndPrinted)
     size_t size = 0;
     ASSERT_EQ(nimbara_print_job_item(job.get(), 0, &data, &size), NIMBARA_OK);
     EXPECT_EQ(std::string(data, 5), "%PDF-");
+}
+
+nimbara_field field(const char* name, const char* value)
+{
+    return {name, std::strlen(name), value, std::strlen(value)};
+}
+
+std::string property(nimbara_client* client, size_t contract, const char* name)
+{
+    const char* text = nullptr;
+    size_t size = 0;
+    EXPECT_EQ(nimbara_client_get(client, contract, name, std::strlen(name), &text, &size), NIMBARA_OK)
+        << nimbara_last_error();
+    return text ? std::string(text, size) : std::string();
+}
+
+TEST_P(CApiStore, AClientIsStoredUpdatedReadBackAndTakesAGuia)
+{
+    nimbara_client* raw = nullptr;
+    ASSERT_EQ(nimbara_client_create(&raw), NIMBARA_OK);
+    const Owned<nimbara_client> client(raw);
+    const nimbara_field props[] = {field("vCod_Cliente", "456"), field("vNome", "Livraria O'Neill"),
+                                   field("iTipoCliente", "2")};
+    const nimbara_field contract[] = {field("vCodContrato", "300042"), field("vDesignacao", "Correio"),
+                                      field("vJppCredenciado", "true")};
+    ASSERT_EQ(nimbara_client_set(client.get(), props, 3), NIMBARA_OK) << nimbara_last_error();
+    ASSERT_EQ(nimbara_client_add_contract(client.get(), contract, 3), NIMBARA_OK) << nimbara_last_error();
+
+    // Refused before anything is set or stored.
+    const nimbara_field bad_number[] = {field("vNome", "Other"), field("iTipoCliente", "many")};
+    const nimbara_field bad_flag[] = {field("vCodContrato", "1"), field("bActivo", "maybe")};
+    const nimbara_field unknown[] = {field("vPeso", "1")};
+    struct Case {
+        const char* what;
+        std::function<nimbara_status()> call;
+        const char* cause;
+    } refusals[] = {
+        {"number", [&] { return nimbara_client_set(client.get(), bad_number, 2); }, "iTipoCliente: \"many\""},
+        {"yes/no", [&] { return nimbara_client_add_contract(client.get(), bad_flag, 2); }, "bActivo: \"maybe\""},
+        {"unknown", [&] { return nimbara_client_set(client.get(), unknown, 1); }, "\"vPeso\" is not a property"},
+    };
+    for (const auto& r : refusals) {
+        EXPECT_EQ(r.call(), NIMBARA_BAD_ARGUMENT) << r.what;
+        EXPECT_NE(std::string(nimbara_last_error()).find(r.cause), std::string::npos) << nimbara_last_error();
+    }
+    EXPECT_EQ(property(client.get(), NIMBARA_THE_CLIENT, "vNome"), "Livraria O'Neill");
+    EXPECT_EQ(nimbara_client_contract_count(client.get()), 1u);
+
+    int32_t id = 0;
+    ASSERT_EQ(nimbara_store_save_client(store.get(), client.get(), &id), NIMBARA_OK) << nimbara_last_error();
+    EXPECT_GT(id, 0);
+
+    // Saved again with a new name and a second contract: the same client, updated.
+    const nimbara_field renamed[] = {field("vNome", "Livraria Nova")};
+    const nimbara_field second[] = {field("vCodContrato", "300043"), field("bActivo", "false")};
+    ASSERT_EQ(nimbara_client_set(client.get(), renamed, 1), NIMBARA_OK);
+    ASSERT_EQ(nimbara_client_add_contract(client.get(), second, 2), NIMBARA_OK);
+    int32_t again = 0;
+    ASSERT_EQ(nimbara_store_save_client(store.get(), client.get(), &again), NIMBARA_OK) << nimbara_last_error();
+    EXPECT_EQ(again, id);
+
+    nimbara_client* loaded_raw = nullptr;
+    ASSERT_EQ(nimbara_store_load_client(store.get(), 456, &loaded_raw), NIMBARA_OK) << nimbara_last_error();
+    const Owned<nimbara_client> loaded(loaded_raw);
+    EXPECT_EQ(property(loaded.get(), NIMBARA_THE_CLIENT, "vNome"), "Livraria Nova");
+    EXPECT_EQ(property(loaded.get(), NIMBARA_THE_CLIENT, "iTipoCliente"), "2");
+    ASSERT_EQ(nimbara_client_contract_count(loaded.get()), 2u);
+    std::set<std::string> contracts;
+    for (size_t i = 0; i < 2; ++i)
+        contracts.insert(property(loaded.get(), i, "vCodContrato") + " " + property(loaded.get(), i, "vJppCredenciado") +
+                         " " + property(loaded.get(), i, "bActivo"));
+    EXPECT_EQ(contracts, (std::set<std::string>{"300042 true true", "300043 false false"}));
+    nimbara_client* none = nullptr;
+    EXPECT_EQ(nimbara_store_load_client(store.get(), 457, &none), NIMBARA_NOT_FOUND);
+
+    // A contract given twice stores nothing.
+    const nimbara_field twice[] = {field("vCodContrato", "300042")};
+    ASSERT_EQ(nimbara_client_add_contract(client.get(), twice, 1), NIMBARA_OK);
+    EXPECT_EQ(nimbara_store_save_client(store.get(), client.get(), &again), NIMBARA_BAD_ARGUMENT);
+    EXPECT_NE(std::string(nimbara_last_error()).find("/contratos/2/vCodContrato"), std::string::npos)
+        << nimbara_last_error();
+
+    // The sample Guia of that client and contract is stored.
+    const auto guia = guia_from(kExamples / "valid-guia.json");
+    int32_t n_req = 0;
+    EXPECT_EQ(nimbara_store_save(store.get(), guia.get(), &n_req, nullptr, nullptr), NIMBARA_OK)
+        << nimbara_last_error();
+    EXPECT_GT(n_req, 0);
 }
 
 TEST_P(CApiStore, ACancelledImportLeavesTheStoreAsItWas)
