@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 
 set(NIMBARA_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/nimbara)
-install(TARGETS nimbara nimbara_static EXPORT nimbaraTargets
+install(TARGETS nimbara nimbara_static nimbara_c EXPORT nimbaraTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -29,6 +29,9 @@ set(NIMBARA_PC_REQUIRES_PRIVATE "sqlite3")
 set(NIMBARA_PC_LIBS_PRIVATE "-lzint -l${CMAKE_DL_LIBS} -Wl,-rpath,\${libdir}/nimbara")
 configure_file(cmake/nimbara.pc.in ${CMAKE_BINARY_DIR}/nimbara.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/nimbara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# The C interface for hosts without CMake: only the include folder and the one library.
+configure_file(cmake/nimbara_c.pc.in ${CMAKE_BINARY_DIR}/nimbara_c.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/nimbara_c.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # The JSON Schemas of the Guia file and the client file, for editors and for hosts that check first.
 install(DIRECTORY data/schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/nimbara/schema)

@@ -7,6 +7,7 @@
 // Messages, the hourglass and the progress bar go to the notifier (nimbara/Notifier.hpp).
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,6 +42,12 @@ public:
     // Whether rows whose Guia, line, client or contract is missing from the old file are brought in
     // all the same (and listed in LastOrphans) rather than the file refused before anything is written.
     bool KeepOrphans = false;
+    // Asked before every row is copied: when it answers true the import stops, leaves the working
+    // database as it was, and fails with "the import was cancelled". Asked on the importing thread.
+    std::function<bool()> Cancelled;
+    // Hears the progress bar's value (0 to 100) as the notifier does, for a host that follows this
+    // import alone.
+    std::function<void(int)> Progress;
     // Where EscreveStringXml writes; relative to the working directory.
     std::filesystem::path DomFile = "DomFile.txt";
 

@@ -123,26 +123,35 @@ void open_listing(std::string& out)
     add_line(out, "Valores Possiveis: ", "");
 }
 
-void append_listing(std::string& out, std::int32_t number, const Row& r, const validation::RuleCatalogue& catalogue,
-                    LineError& line)
+// The sentence of a service error, or the values that would have been accepted.
+AcceptedValues accepted_values(std::int32_t number, const Row& r, const validation::RuleCatalogue& catalogue)
 {
+    AcceptedValues accepted;
     if (const auto s = sentence(number)) {
-        open_listing(out);
-        out += *s;
-        return;
+        accepted.sentence = *s;
+        return accepted;
     }
     const auto values = possible_values(number, r, catalogue);
-    if (!values) return;
-    // A failed or empty answer leaves the listing out, heading included.
-    const auto* rows = std::get_if<std::vector<validation::CodeLabel>>(&*values);
-    if (rows == nullptr || rows->empty()) return;
+    if (!values) return accepted;
+    // A failed answer lists nothing, as an empty one does.
+    if (const auto* rows = std::get_if<std::vector<validation::CodeLabel>>(&*values)) accepted.values = *rows;
+    accepted.ranges = is_weight_error(number);
+    return accepted;
+}
+
+void append_listing(std::string& out, const AcceptedValues& accepted)
+{
+    if (!accepted.sentence.empty()) {
+        open_listing(out);
+        out += accepted.sentence;
+        return;
+    }
+    // An empty answer leaves the listing out, heading included.
+    if (accepted.values.empty()) return;
     open_listing(out);
-    const bool ranges = is_weight_error(number);
-    line.weight_steps = ranges;
-    for (const auto& v : *rows) {
-        line.possible_values.push_back({v.code, v.label});
-        add_line(out, ranges ? "Minimo = " : "Codigo = ", v.code);
-        add_line(out, ranges ? "Maximo = " : "Designacao = ", v.label);
+    for (const auto& v : accepted.values) {
+        add_line(out, accepted.ranges ? "Minimo = " : "Codigo = ", v.code);
+        add_line(out, accepted.ranges ? "Maximo = " : "Designacao = ", v.label);
     }
 }
 
@@ -153,8 +162,7 @@ std::string description_text(const ErrorArray& e)
     return std::get<std::string>(e.description);
 }
 
-void append_line_block(std::string& out, const Row& r, int row, const ErrorArray& e,
-                       const validation::RuleCatalogue& catalogue, LineError& line)
+void append_line_block(std::string& out, const Row& r, int row, const ErrorArray& e, const AcceptedValues& accepted)
 {
     out += kBreak;
     add_line(out, "Ordem Insercao = ", std::to_string(row + 1));
@@ -164,7 +172,7 @@ void append_line_block(std::string& out, const Row& r, int row, const ErrorArray
     add_line(out, "Descricao = ", description_text(e));
     if (const auto* list = std::get_if<ListArray>(&e.description))
         add_line(out, "Servicos Especiais Errados = ", GlobalFrameWork::Array2String(*list));
-    append_listing(out, e.number, r, catalogue, line);
+    append_listing(out, accepted);
     add_line(out, "------", "");
 }
 
@@ -188,9 +196,13 @@ ValidationReport build_validation_report(const GuiaArrays& guia, const validatio
         const Row r(lines, row);
         if (const auto error = validate_line(r, catalogue)) {
             report.errors = true;
+            auto accepted = accepted_values(error->number, r, catalogue);
+            append_line_block(out, r, row, *error, accepted);
             LineError line{row, std::string(r.text(guia::N_Linha)), *error};
-            append_line_block(out, r, row, *error, catalogue, line);
+            line.weight_steps = accepted.ranges;
+            for (const auto& v : accepted.values) line.possible_values.push_back({v.code, v.label});
             report.line_errors.push_back(std::move(line));
+            report.accepted.push_back(std::move(accepted));
         }
     }
     if (report.errors) return report;

@@ -6,6 +6,7 @@
 
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_arrays.hpp"
+#include "validation/possible_values.hpp"
 #include "validation/rule_catalogue.hpp"
 
 namespace nimbara::document {
@@ -16,10 +17,20 @@ struct ReportFailure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// What the report lists under a failing line as accepted: code and designation pairs, or, for a
+// weight, minimum and maximum pairs; or a sentence saying what a service needs. Empty when the error
+// asks no such question or the answer is empty.
+struct AcceptedValues {
+    bool ranges = false;
+    std::vector<validation::CodeLabel> values;
+    std::string sentence;
+};
+
 struct ValidationReport {
     bool errors = false;  // a line or a Guia rule failed
     std::string text;     // the report, without the line break that writing it adds
     std::vector<LineError> line_errors;
+    std::vector<AcceptedValues> accepted;  // one for each of line_errors
     ValidationResult guia_error;
 };
 

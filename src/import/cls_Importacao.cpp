@@ -120,7 +120,11 @@ bool cls_Importacao::run(std::string_view name, const std::string& Caminho, cons
         const auto source = platform::open_old_database(source_path(Caminho, Ficheiro));
         require_layout(name, *source);
         auto result = import::run_procedure(*import::find_procedure(name), *source, entities::require(myConn),
-                                            [](int value) { notifier().progress(value); }, KeepOrphans);
+                                            [this](int value) {
+                                                notifier().progress(value);
+                                                if (Progress) Progress(value);
+                                            },
+                                            KeepOrphans, Cancelled);
         const auto& rows = result.counts;
         counts_ = {rows[0], rows[1], rows[2], rows[3], rows[4]};
         orphans_ = std::move(result.orphans);

@@ -155,7 +155,7 @@ std::int64_t order_of(const platform::OldRow& row, int field)
 }
 
 std::int64_t copy_table(const TableCopy& table, const platform::OldDatabase& source, Database& target,
-                        Numbering& numbering)
+                        Numbering& numbering, const CancelCheck& cancelled)
 {
     std::unique_ptr<platform::OldTableReader> reader;
     try {
@@ -175,6 +175,7 @@ std::int64_t copy_table(const TableCopy& table, const platform::OldDatabase& sou
     };
     if (table.sorted_by < 0) {
         while (next()) {
+            if (cancelled && cancelled()) throw ImportCancelled();
             copier.copy(row);
             ++rows;
         }
@@ -190,6 +191,7 @@ std::int64_t copy_table(const TableCopy& table, const platform::OldDatabase& sou
         throw CopyFailed(std::string(table.source) + ", the order of its rows: " + e.what());
     }
     for (const auto& r : all) {
+        if (cancelled && cancelled()) throw ImportCancelled();
         copier.copy(r);
         ++rows;
     }
@@ -204,7 +206,7 @@ void delete_data(Database& target)
 }
 
 RunResult run_procedure(const Procedure& procedure, const platform::OldDatabase& source, Database& target,
-                        const std::function<void(int)>& progress, bool keep_orphans)
+                        const std::function<void(int)>& progress, bool keep_orphans, const CancelCheck& cancelled)
 {
     Integrity found = check_integrity(procedure, source);
     if (!found.damaged.empty() || (!found.orphans.empty() && !keep_orphans))
@@ -229,7 +231,7 @@ RunResult run_procedure(const Procedure& procedure, const platform::OldDatabase&
     TableCounts& counts = result.counts;
     Numbering numbering;
     for (std::size_t i = 0; i < procedure.tables.size(); ++i) {
-        counts[i] = copy_table(procedure.tables[i], source, target, numbering);
+        counts[i] = copy_table(procedure.tables[i], source, target, numbering, cancelled);
         progress(procedure.tables[i].progress);
     }
     // The last rows sent ahead on a server show their failure at the next statement; when the caller

@@ -36,12 +36,22 @@ struct RunResult {
     std::vector<std::string> orphans;
 };
 
+// The import was stopped by its host before it ended; the target is as it was.
+class ImportCancelled : public CopyFailed {
+public:
+    ImportCancelled() : CopyFailed("the import was cancelled") {}
+};
+
+// Asked before each row is copied: true stops the import.
+using CancelCheck = std::function<bool()>;
+
 // Runs `procedure` from `source` into `target` and commits; `progress` hears the bar's value after
-// each table. A source whose rows do not hang together is refused before anything is written,
+// each table, and `cancelled` (when set) is asked before every row, ImportCancelled ending the run. A source whose rows do not hang together is refused before anything is written,
 // unless `keep_orphans`, which brings rows of a missing parent in and lists them (damaged texts are
 // refused all the same). On any failure nothing of it stays in the target, and CopyFailed says where
 // it stopped.
 RunResult run_procedure(const Procedure& procedure, const platform::OldDatabase& source, Database& target,
-                        const std::function<void(int)>& progress, bool keep_orphans = false);
+                        const std::function<void(int)>& progress, bool keep_orphans = false,
+                        const CancelCheck& cancelled = {});
 
 }  // namespace nimbara::import
