@@ -82,7 +82,7 @@ TEST(Help, RefusalsOfTheCommandLineInPlainWords)
     const Case cases[] = {
         {"check a.json b.json", "nimbara check: GUIA takes one value"},                         // too many
         {"check", "nimbara check: GUIA is missing (the Guia file (JSON)"},                      // required
-        {"form --out", "nimbara form: --out needs a value (the PDF file to write)"},            // no value
+        {"form --out", "nimbara form: --out needs a value (the PDF file to write;"},           // no value
         {"form --out x.pdf --png x.png --dpi 5", "--dpi must be a number from 10 to 2400, not \"5\""},  // range
         {"form --out x.pdf --png x.png --dpi abc", "--dpi must be a number from 10 to 2400, not \"abc\""},
         {"form --out x.pdf --copy -1", "--copy must be a whole number from 0 to 32767, not \"-1\""},
