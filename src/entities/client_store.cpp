@@ -58,12 +58,11 @@ std::int32_t save_client(const std::shared_ptr<Database>& db, const ClientFields
     // A new contract is stored active; the second save within the same transaction writes the
     // active mark the host gave.
     Transaction t(*db, TransactionMode::Numbering);
-    if (!c.DoSaveNumerado()) throw DatabaseError("client " + client.vCod_Cliente + " was not stored: " + c.LastError());
+    if (!c.DoSaveNumerado()) throw DatabaseError("nothing was stored: " + c.LastError());
     c.vIsNew = false;
     for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) c.mColContrato.Item(j).vIsNew = false;
     c.DoSave();
-    if (!c.LastError().empty())
-        throw DatabaseError("client " + client.vCod_Cliente + " was not stored: " + c.LastError());
+    if (!c.LastError().empty()) throw DatabaseError("nothing was stored: " + c.LastError());
     t.commit();
     return c.iId_Cliente;
 }

@@ -9,13 +9,13 @@
 #include <iterator>
 #include <limits>
 #include <memory>
-#include <set>
 #include <vector>
 
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "delimited.hpp"
 #include "json_output.hpp"
+#include "nimbara/client_store.hpp"
 #include "nimbara/cls_Cliente.hpp"
 #include "standard_streams.hpp"
 
@@ -151,16 +151,16 @@ int save(const ClientOptions& o)
         throw CommandError(source(o.file) + ": " + plain(e.what()));
     }
     const auto db = open_command_database(o.conn);
-    cls_Cliente c(db);
     ObjectReader r(root, source(o.file) + ": ");
     r.know({"vCod_Cliente", "vNome", "iTipoCliente", "vMorada", "vLocalidade", "vCodPostal", "vDesigPostal", "vNIF",
             "vObservacoes", "iAcessoRede", "contratos"});
     std::string cod;
     r.text("vCod_Cliente", cod);
     require_whole(cod, source(o.file) + ": /vCod_Cliente");
-    std::string lookup = cod;
-    if (c.Busca_Cliente(lookup)) c.SelectMeByCod_Cliente(static_cast<std::int32_t>(FieldValue(cod).integer()));
+    // A key the file leaves out keeps what the stored client has.
+    ClientFields c = load_client(db, static_cast<std::int32_t>(std::stol(cod))).value_or(ClientFields{});
     c.vCod_Cliente = cod;
+    c.contratos.clear();
     r.text("vNome", c.vNome);
     r.number("iTipoCliente", c.iTipoCliente);
     r.text("vMorada", c.vMorada);
@@ -170,7 +170,6 @@ int save(const ClientOptions& o)
     r.text("vNIF", c.vNIF);
     r.text("vObservacoes", c.vObservacoes);
     r.number("iAcessoRede", c.iAcessoRede);
-    std::set<std::int64_t> seen;
     if (const auto* list = r.take("contratos")) {
         if (!list->is_array()) throw CommandError(source(o.file) + ": /contratos: expected a list");
         for (std::size_t i = 0; i < list->size(); ++i) {
@@ -178,13 +177,11 @@ int save(const ClientOptions& o)
             ObjectReader cr((*list)[i], place);
             cr.know({"vCodContrato", "vDesignacao", "vJppCredenciado", "vCodCredencial", "vValidacao", "vDescricao",
                      "bActivo"});
-            cls_Contrato k(db);
-            if (!(*list)[i].is_object() || !(*list)[i].contains("vCodContrato"))
+            if (!(*list)[i].contains("vCodContrato"))
                 throw CommandError(place + ": vCodContrato is missing: a contract needs its code");
+            ContractFields& k = c.contratos.emplace_back();
             cr.text("vCodContrato", k.vCodContrato);
             require_whole(k.vCodContrato, place + "/vCodContrato");
-            if (!seen.insert(FieldValue(k.vCodContrato).integer()).second)
-                throw CommandError(place + "/vCodContrato: contract " + k.vCodContrato + " is given twice");
             cr.text("vDesignacao", k.vDesignacao);
             cr.yes_no("vJppCredenciado", k.vJppCredenciado);
             cr.text("vCodCredencial", k.vCodCredencial);
@@ -192,36 +189,23 @@ int save(const ClientOptions& o)
             cr.text("vDescricao", k.vDescricao);
             cr.yes_no("bActivo", k.bActivo);
             cr.done();
-            // A contract the client has already is updated in place; others are added.
-            std::size_t found = 0;
-            for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j)
-                if (FieldValue(c.mColContrato.Item(j).vCodContrato).integer() == FieldValue(k.vCodContrato).integer())
-                    found = j;
-            if (found)
-                c.UpdateListContrato(static_cast<std::int32_t>(found), k.vCodContrato, k.vDesignacao, k.vJppCredenciado,
-                                     k.vCodCredencial, k.vValidacao, k.vDescricao, k.bActivo,
-                                     c.mColContrato.Item(found).dDataActividade);
-            else
-                c.AddContrato(c.iId_Cliente, k.vCodContrato, k.vDesignacao, k.vJppCredenciado, k.vCodCredencial,
-                              k.vValidacao, k.vDescricao, k.bActivo, k.dDataActividade);
         }
     }
     r.done();
 
-    // A new contract is stored active; the second save within the same transaction writes the
-    // active mark the file gives.
-    Transaction t(*db, TransactionMode::Numbering);
-    if (!c.DoSaveNumerado()) throw CommandError(source(o.file) + ": nothing was stored: " + c.LastError());
-    c.vIsNew = false;
-    for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) c.mColContrato.Item(j).vIsNew = false;
-    c.DoSave();
-    if (!c.LastError().empty()) throw CommandError(source(o.file) + ": nothing was stored: " + c.LastError());
-    t.commit();
+    std::int32_t id = 0;
+    try {
+        id = save_client(db, c);
+    } catch (const std::invalid_argument& e) {  // a contract given twice, named by its place
+        throw CommandError(source(o.file) + ": " + e.what());
+    } catch (const DatabaseError& e) {
+        throw CommandError(source(o.file) + ": " + e.what());
+    }
     if (o.json)
-        write_json(std::cout, nlohmann::ordered_json{{"input", o.file}, {"status", 0}, {"Id_Cliente", c.iId_Cliente},
+        write_json(std::cout, nlohmann::ordered_json{{"input", o.file}, {"status", 0}, {"Id_Cliente", id},
                                                      {"Cod_Cliente", c.vCod_Cliente}});
     else
-        std::cout << c.iId_Cliente << '\t' << c.vCod_Cliente << '\n';
+        std::cout << id << '\t' << c.vCod_Cliente << '\n';
     return 0;
 }
 
@@ -235,20 +219,18 @@ cls_Cliente& find(cls_Cliente& c, std::int32_t cod)
 
 int show(const ClientOptions& o)
 {
-    cls_Cliente c(open_command_database(o.conn));
-    find(c, o.cod);
-    ordered_json out = {{"vCod_Cliente", c.vCod_Cliente}, {"vNome", c.vNome}, {"iTipoCliente", c.iTipoCliente},
-                        {"vMorada", c.vMorada}, {"vLocalidade", c.vLocalidade}, {"vCodPostal", c.vCodPostal},
-                        {"vDesigPostal", c.vDesigPostal}, {"vNIF", c.vNIF}, {"vObservacoes", c.vObservacoes},
-                        {"iAcessoRede", c.iAcessoRede}};
+    const auto c = load_client(open_command_database(o.conn), o.cod);
+    if (!c) throw CommandError("no client " + std::to_string(o.cod));
+    ordered_json out = {{"vCod_Cliente", c->vCod_Cliente}, {"vNome", c->vNome}, {"iTipoCliente", c->iTipoCliente},
+                        {"vMorada", c->vMorada}, {"vLocalidade", c->vLocalidade}, {"vCodPostal", c->vCodPostal},
+                        {"vDesigPostal", c->vDesigPostal}, {"vNIF", c->vNIF}, {"vObservacoes", c->vObservacoes},
+                        {"iAcessoRede", c->iAcessoRede}};
     out["contratos"] = ordered_json::array();
-    for (std::size_t j = 1; j <= c.mColContrato.Count(); ++j) {
-        const cls_Contrato& k = c.mColContrato.Item(j);
+    for (const auto& k : c->contratos)
         out["contratos"].push_back({{"vCodContrato", k.vCodContrato}, {"vDesignacao", k.vDesignacao},
                                     {"vJppCredenciado", k.vJppCredenciado}, {"vCodCredencial", k.vCodCredencial},
                                     {"vValidacao", k.vValidacao}, {"vDescricao", k.vDescricao},
                                     {"bActivo", k.bActivo}});
-    }
     write_json(std::cout, out);
     return 0;
 }
