@@ -147,10 +147,12 @@ class Guia:
         return [Path(os.fsdecode(item)) for item in read_print_job(job)]
 
     def imprime_guia(self, report_folder: Optional[PathLike] = None, only_printer: bool = False) -> str:
-        """ImprimeGuia: validates, writes the report (in `report_folder`, else the working folder),
-        prints into the same folder when all passed, and answers its XML text."""
+        """ImprimeGuia: validates, writes the report (in `report_folder`, made when missing, else the
+        working folder), prints into the same folder when all passed, and answers its XML text."""
         validator = self._validator()
         if report_folder is not None:
+            # As the program does: a folder that is missing is made, one that cannot be raises OSError.
+            Path(report_folder).mkdir(parents=True, exist_ok=True)
             data = c.encoded(Path(report_folder))
             check(c.lib.nimbara_validator_set_report_folder(validator.pointer, data, len(data)))
         answer, size = ctypes.c_void_p(), c.c_size()

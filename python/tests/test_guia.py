@@ -52,10 +52,11 @@ def test_print_pdf_gives_the_pdf_in_memory_and_print_files_writes_it(tmp_path: P
     assert [f.parent for f in files] == [tmp_path] and files[0].read_bytes().startswith(b"%PDF-")
 
 
-def test_imprime_guia_answers_and_reports_where_told(tmp_path: Path) -> None:
-    answer = nimbara.Guia.from_file(EXAMPLES / "line-errors.json").imprime_guia(report_folder=tmp_path)
-    assert answer.startswith(f"<LIST><ITEM><ERRO_ID>-1</ERRO_ID><LOG_FILE>{tmp_path}/ErrosGuia_")
-    assert len(list(tmp_path.glob("ErrosGuia_*.txt"))) == 1
+def test_imprime_guia_answers_and_reports_where_told_making_the_folder(tmp_path: Path) -> None:
+    folder = tmp_path / "reports" / "today"
+    answer = nimbara.Guia.from_file(EXAMPLES / "line-errors.json").imprime_guia(report_folder=folder)
+    assert answer.startswith(f"<LIST><ITEM><ERRO_ID>-1</ERRO_ID><LOG_FILE>{folder}/ErrosGuia_")
+    assert len(list(folder.glob("ErrosGuia_*.txt"))) == 1
 
 
 def test_lines_and_batches_answer_as_check_lines() -> None:
