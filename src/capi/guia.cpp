@@ -25,7 +25,6 @@ void fill_section(GuiaFile& file, nimbara_section section, const nimbara_field* 
         return;
     }
     }
-    throw Refusal(NIMBARA_BAD_ARGUMENT, "section " + std::to_string(static_cast<int>(section)) + " is not one of 0 to 3");
 }
 
 }  // namespace nimbara::capi
@@ -68,7 +67,9 @@ nimbara_status nimbara_guia_to_json(const nimbara_guia* guia, char** json, size_
 
 nimbara_status nimbara_guia_fill(nimbara_guia* guia, nimbara_section section, const nimbara_field* fields, size_t count)
 {
-    return guarded([&] { fill_section(required(guia, "guia").file, section, fields, count); });
+    return guarded([&] {
+        fill_section(required(guia, "guia").file, enumerator(section, NIMBARA_SERVICO, "section"), fields, count);
+    });
 }
 
 }

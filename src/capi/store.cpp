@@ -65,13 +65,11 @@ nimbara_status nimbara_store_open(const char* conn, size_t conn_size, nimbara_op
         const auto text = text_in(conn, conn_size, "conn");
         if (text.empty()) throw Refusal(NIMBARA_BAD_ARGUMENT, "the connection string is empty");
         std::shared_ptr<nimbara::Database> db;
-        if (mode == NIMBARA_OPEN_CREATE) {
+        if (enumerator(mode, NIMBARA_OPEN_CREATE, "open mode") == NIMBARA_OPEN_CREATE) {
             db = nimbara::OpenDatabase(text, nimbara::OpenMode::Create);
             if (!nimbara::IsGuiaDatabase(*db)) nimbara::CreateSchema(*db);
-        } else if (mode == NIMBARA_OPEN_EXISTING) {
-            db = nimbara::OpenGuiaDatabase(text);
         } else {
-            throw Refusal(NIMBARA_BAD_ARGUMENT, "open mode " + std::to_string(static_cast<int>(mode)) + " is not 0 or 1");
+            db = nimbara::OpenGuiaDatabase(text);
         }
         *store = new nimbara_store{std::move(db)};
     });

@@ -121,10 +121,11 @@ nimbara_status nimbara_validator_fill_fields(nimbara_validator* validator, nimba
 {
     return guarded([&] {
         auto& facade = required(validator, "validator").facade;
+        const nimbara_section checked = enumerator(section, NIMBARA_SERVICO, "section");
         nimbara::GuiaFile one;
-        fill_section(one, section, fields, count);
+        fill_section(one, checked, fields, count);
         bool accepted = true;
-        switch (section) {
+        switch (checked) {
         case NIMBARA_CABECALHO: accepted = facade.PreencheCabecalho(one.cabecalho) == 0; break;
         case NIMBARA_PARAMETROS: accepted = !facade.PreencheParametros(one.parametros).has_value(); break;
         case NIMBARA_PRODUTO: accepted = !facade.PreencheProduto(one.produtos.front()).has_value(); break;

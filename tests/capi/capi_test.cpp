@@ -133,6 +133,12 @@ TEST(CApi, RefusalsAnswerTheirStatusAndNameTheCause)
          NIMBARA_BAD_ARGUMENT, "\"Peso\" is not a field of produtos"},
         {"unknown section", [&] { return nimbara_guia_fill(valid.get(), static_cast<nimbara_section>(9), nullptr, 0); },
          NIMBARA_BAD_ARGUMENT, "section 9"},
+        {"unknown section of a fill", [&] {
+             return nimbara_validator_fill_fields(empty.get(), static_cast<nimbara_section>(-1), nullptr, 0);
+         }, NIMBARA_BAD_ARGUMENT, "section -1"},
+        {"unknown open mode", [&] {
+             return nimbara_store_open("sqlite:x.db", 11, static_cast<nimbara_open_mode>(5), &s);
+         }, NIMBARA_BAD_ARGUMENT, "open mode 5"},
         {"fill that answers -1",
          [&] { return nimbara_validator_fill_fields(empty.get(), NIMBARA_PRODUTO, bad_pre_treatment, 2); },
          NIMBARA_BAD_ARGUMENT, "PreencheProduto"},
