@@ -10,6 +10,7 @@
 #include "nimbara/cls_Guia.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
+#include "nimbara/stored_guia_check.hpp"
 #include "nimbara/guia_store.hpp"
 
 namespace nimbara::capi {
@@ -17,37 +18,18 @@ namespace {
 
 Database& database(nimbara_store* store) { return *required(store, "store").db; }
 
-void require_stored(nimbara_store* store, std::int32_t n_req)
-{
-    if (database(store).open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {n_req}).RecordCount() == 0)
-        throw Refusal(NIMBARA_NOT_FOUND, "no Guia with N_Req " + std::to_string(n_req));
-}
-
 // The stored Guia judged as `nimbara db check` judges it: each line against the rule tables, then
 // the Guia in the station's own working table.
 nimbara_outcome check_stored(const std::shared_ptr<Database>& db, std::int32_t n_req)
 {
-    cls_Guia_Cabecalho guia(db);
-    guia.SelectMe(n_req);
-    guia.DoRemoveValTemp();
-    if (!guia.LastError().empty()) throw DatabaseError("the working table could not be emptied: " + guia.LastError());
-    guia.DoInsertValTemp();
-    if (!guia.LastError().empty()) throw DatabaseError("the Guia could not be copied for checking: " + guia.LastError());
-
-    cls_ValProdutos validator(db);
+    const auto verdict = check_stored_guia(db, n_req);
+    if (!verdict) throw Refusal(NIMBARA_NOT_FOUND, "no Guia with N_Req " + std::to_string(n_req));
     nimbara_outcome outcome;
-    for (std::size_t i = 1; i <= guia.mColLinha.Count(); ++i) {
-        const cls_Guia_Linha& l = guia.mColLinha.Item(i);
-        ListArray services;
-        for (std::size_t s = 1; s <= l.mColSEspecial.Count(); ++s)
-            services.push_back(l.mColSEspecial.Item(s).vCodigoServicoEspecial);
-        const auto result = validator.DoValidaProduto(l.vB_Produto, l.vA_Zona_Taxacao, l.vC_Escalao, l.vE_Velocidade,
-                                                      l.vF_Formato, l.vG_Pre_Tratamento > 0, l.vH_Descontos,
-                                                      l.vN_Ambito_Distrib, services);
-        if (result)
-            outcome.errors.push_back(outcome_error(*result, static_cast<std::int32_t>(i - 1), std::to_string(l.vNLinha)));
-    }
-    if (const auto result = validator.DoValidaGuia(n_req)) outcome.errors.push_back(outcome_error(*result, -1, ""));
+    for (std::size_t i = 0; i < verdict->lines.size(); ++i)
+        if (const auto& result = verdict->lines[i].result)
+            outcome.errors.push_back(
+                outcome_error(*result, static_cast<std::int32_t>(i), std::to_string(verdict->lines[i].N_Linha)));
+    if (verdict->guia) outcome.errors.push_back(outcome_error(*verdict->guia, -1, ""));
     return outcome;
 }
 
@@ -159,8 +141,7 @@ nimbara_status nimbara_store_check(nimbara_store* store, int32_t n_req, nimbara_
 {
     return guarded([&] {
         required(outcome, "outcome");
-        require_stored(store, n_req);
-        return hand_out(check_stored(store->db, n_req), outcome);
+        return hand_out(check_stored(required(store, "store").db, n_req), outcome);
     });
 }
 

@@ -10,7 +10,7 @@
 #include "db_command.hpp"
 #include "json_output.hpp"
 #include "line_batch_command.hpp"
-#include "nimbara/cls_Guia_Cabecalho.hpp"
+#include "nimbara/stored_guia_check.hpp"
 #include "nimbara/cls_ValProdutos.hpp"
 #include "nimbara/guia_file.hpp"
 #include "verdict_json.hpp"
@@ -25,7 +25,7 @@ struct CheckOptions {
     bool json = false;
 };
 
-nlohmann::json verdict(const ValidationResult& result)
+nlohmann::json verdict_of(const ValidationResult& result)
 {
     nlohmann::json j = {{"passed", !result}};
     if (result) j.update(error_json(*result));
@@ -47,43 +47,22 @@ ListArray split_services(std::string_view text)
 
 int check_guia(const CheckOptions& o)
 {
-    const auto db = open_command_database(o.conn);
-    if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
-        throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
-    cls_Guia_Cabecalho guia(db);
-    guia.SelectMe(o.n_req);
-    guia.DoRemoveValTemp();
-    if (!guia.LastError().empty()) throw CommandError("the working table could not be emptied: " + guia.LastError());
-    guia.DoInsertValTemp();
-    if (!guia.LastError().empty()) throw CommandError("the Guia could not be copied for checking: " + guia.LastError());
-
-    cls_ValProdutos validator(db);
-    bool passed = true;
-    auto lines = nlohmann::json::array();
-    for (std::size_t i = 1; i <= guia.mColLinha.Count(); ++i) {
-        const cls_Guia_Linha& l = guia.mColLinha.Item(i);
-        ListArray services;
-        for (std::size_t s = 1; s <= l.mColSEspecial.Count(); ++s)
-            services.push_back(l.mColSEspecial.Item(s).vCodigoServicoEspecial);
-        const auto result = validator.DoValidaProduto(l.vB_Produto, l.vA_Zona_Taxacao, l.vC_Escalao, l.vE_Velocidade,
-                                                      l.vF_Formato, l.vG_Pre_Tratamento > 0, l.vH_Descontos,
-                                                      l.vN_Ambito_Distrib, services);
-        passed = passed && !result;
-        if (o.json) {
-            nlohmann::json line = {{"N_Linha", l.vNLinha}};
-            line.update(verdict(result));
+    const auto verdict = check_stored_guia(open_command_database(o.conn), o.n_req);
+    if (!verdict) throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    const int status = verdict->passed() ? 0 : 1;
+    if (o.json) {
+        auto lines = nlohmann::json::array();
+        for (const auto& l : verdict->lines) {
+            nlohmann::json line = {{"N_Linha", l.N_Linha}};
+            line.update(verdict_of(l.result));
             lines.push_back(std::move(line));
-        } else {
-            std::cout << batch_result_text(result) << '\n';
         }
-    }
-    const auto result = validator.DoValidaGuia(o.n_req);
-    const int status = passed && !result ? 0 : 1;
-    if (o.json)
         write_json(std::cout, nlohmann::ordered_json{{"N_Req", o.n_req}, {"status", status}, {"lines", lines},
-                                                     {"guia", verdict(result)}});
-    else
-        std::cout << batch_result_text(result) << '\n';
+                                                     {"guia", verdict_of(verdict->guia)}});
+    } else {
+        for (const auto& l : verdict->lines) std::cout << batch_result_text(l.result) << '\n';
+        std::cout << batch_result_text(verdict->guia) << '\n';
+    }
     return status;
 }
 
