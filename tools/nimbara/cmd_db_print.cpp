@@ -20,6 +20,8 @@
 #include "nimbara/guia_file.hpp"
 #include "nimbara/guia_store.hpp"
 #include "nimbara/pdf_printer.hpp"
+#include "nimbara/printer_queue.hpp"
+#include "printer_target.hpp"
 
 namespace nimbara::cli {
 namespace {
@@ -32,6 +34,7 @@ struct PrintOptions {
     std::string out_dir = ".";
     std::string edition = "database";
     std::optional<std::string> print_log;
+    std::optional<std::string> queue;  // --printer: the copies go to this CUPS queue instead of files
     bool quiet = false;
 };
 
@@ -56,6 +59,31 @@ void keep_only_whole(std::int32_t n_req, const std::vector<fs::path>& written, s
                        " not printed: " + (faults.empty() ? std::string("a copy was not written") : faults.front()));
 }
 
+// The Guia's printer of --printer; its queue was checked when the command began.
+std::unique_ptr<QueuePrinter> queue_printer(const PrintOptions& o, const std::string& guia_id)
+{
+    try {
+        return std::make_unique<QueuePrinter>(*o.queue, guia_id);
+    } catch (const PrinterError& e) {
+        throw CommandError(printer_refusal(e));
+    }
+}
+
+// As keep_only_whole for jobs: a Guia whose copies did not all go has the ones sent withdrawn.
+void keep_only_whole_jobs(std::int32_t n_req, QueuePrinter& queue, std::size_t copies, std::vector<std::string> faults,
+                          bool quiet)
+{
+    if (faults.empty() && queue.jobs().size() == copies) {
+        if (!quiet) tell_jobs(std::cerr, "db print", queue.queue(), queue.jobs());
+        return;
+    }
+    queue.cancel_all();
+    tell_jobs(std::cerr, "db print", queue.queue(), queue.jobs());
+    throw CommandError("Guia " + std::to_string(n_req) + " not printed: " +
+                       (faults.empty() ? std::string("a copy was not sent") : faults.front()) +
+                       (queue.jobs().empty() ? "" : "; the jobs sent for it were cancelled"));
+}
+
 fs::path output_folder(const std::string& out_dir)
 {
     try {
@@ -78,10 +106,20 @@ int print_as_array(const PrintOptions& o, const std::shared_ptr<Database>& db)
         throw CommandError(refusal(o.n_req, problems,
                                    " by the array edition (the places are those of its Guia file: nimbara db show " +
                                        std::to_string(o.n_req) + ")"));
-    guia.setPrintFolder(output_folder(o.out_dir));
+    std::unique_ptr<QueuePrinter> queue;
+    if (o.queue) {
+        queue = queue_printer(o, file.cabecalho.cb_NDoc.empty() ? std::to_string(o.n_req) : file.cabecalho.cb_NDoc);
+        guia.setPrinter(queue->surface());
+    } else {
+        guia.setPrintFolder(output_folder(o.out_dir));
+    }
     guia.setPrintLog(o.print_log ? fs::path(*o.print_log) : default_print_log());
     const GuiaOutcome outcome = guia.ImprimeGuiaOutcome(true);
     if (outcome.failure) throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: " + outcome.failure->cause);
+    if (queue) {
+        keep_only_whole_jobs(o.n_req, *queue, static_cast<std::size_t>(outcome.copies), outcome.print_failures, o.quiet);
+        return 0;
+    }
     keep_only_whole(o.n_req, outcome.printed, static_cast<std::size_t>(outcome.copies), outcome.print_failures);
     if (!o.quiet)
         for (const auto& pdf : outcome.printed) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
@@ -93,6 +131,13 @@ int print_guia(const PrintOptions& o)
     const auto db = open_command_database(o.conn);
     if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
         throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+    if (o.queue) {
+        try {
+            usable_printer(*o.queue);
+        } catch (const std::exception& e) {
+            throw CommandError(e.what());
+        }
+    }
     if (o.edition == "array") return print_as_array(o, db);
 
     cls_Impressao printer(db);
@@ -111,24 +156,35 @@ int print_guia(const PrintOptions& o)
     const double top = margin_mm(parametros.vGuiaMargensTopo);
     const double left = margin_mm(parametros.vGuiaMargensEsquerda);
 
-    const fs::path folder = output_folder(o.out_dir);
-    const auto surface = make_pdf_printer(folder, NDoc);
+    std::unique_ptr<QueuePrinter> queue;
+    std::shared_ptr<PdfSurface> surface;
+    if (o.queue) {
+        queue = queue_printer(o, NDoc);
+        surface = queue->surface();
+    } else {
+        const fs::path folder = output_folder(o.out_dir);
+        surface = make_pdf_printer(folder, NDoc);
+        // An output place that cannot be written is known before anything is drawn.
+        try {
+            surface->StartDoc();
+        } catch (const std::exception& e) {
+            throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: cannot write into \"" +
+                               folder.string() + "\": " + e.what());
+        }
+    }
     surface->setOrientation(printer::kLandscape);
     surface->setPaperSize(printer::kPaperA4);
-    // An output place that cannot be written is known before anything is drawn.
-    try {
-        surface->StartDoc();
-    } catch (const std::exception& e) {
-        throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: cannot write into \"" + folder.string() +
-                           "\": " + e.what());
-    }
 
     std::int32_t DuplOrig = 0;
     for (std::int32_t via = 1; via <= vias; ++via, ++DuplOrig)
         printer.Imprime_Parte_Variavel("", o.n_req, 0, *surface, form_impressao(), top, left, DuplOrig, date, NDoc);
 
     // The page routines log their faults and go on; a copy with a fault is not a printed Guia, and
-    // none of this run's files stays behind it.
+    // none of this run's files (or jobs) stays behind it.
+    if (queue) {
+        keep_only_whole_jobs(o.n_req, *queue, static_cast<std::size_t>(vias), printer.log_entries(), o.quiet);
+        return 0;
+    }
     keep_only_whole(o.n_req, surface->written(), static_cast<std::size_t>(vias), printer.log_entries());
     if (!o.quiet)
         for (const auto& pdf : surface->written()) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
@@ -143,8 +199,12 @@ void register_db_print(CLI::App& db, int& status)
     auto* cmd = db.add_subcommand("print", "Print a stored Guia as the database edition prints it: one PDF per copy "
                                            "(GuiaNVias of Tbl_Parametro)");
     cmd->add_option("N_REQ", o->n_req, "The Guia's number")->required();
-    cmd->add_option("--out-dir", o->out_dir, "Folder of the printed PDFs, created if missing (default: the current "
-                                             "folder)");
+    auto* out_dir = cmd->add_option("--out-dir", o->out_dir, "Folder of the printed PDFs, created if missing (default: "
+                                                             "the current folder)");
+    cmd->add_option("--printer", o->queue,
+                    "Send each copy to this CUPS queue as one job (A4, actual size) instead of writing PDFs; "
+                    "nimbara printers lists the queues")
+        ->excludes(out_dir);
     cmd->add_option("--edition", o->edition,
                     "database (default): the database edition, whose symbol holds N_Req in four digits; array: the "
                     "headless edition, whose symbol carries the yearly number, for Guias beyond N_Req 9999")
@@ -157,8 +217,9 @@ void register_db_print(CLI::App& db, int& status)
                 "printing, every field that printing converts or the symbol carries at a fixed width is checked, and "
                 "each fault is named with its column and line.\nExit status: 0 every copy printed, 2 no such Guia, a "
                 "Guia or setting that would not print whole (each cause named), an output folder that cannot be "
-                "written or a copy that could not be printed whole (no file is left then).\nExamples:\n  nimbara db "
-                "print 1 --out-dir printed\n  nimbara db print 10250 --edition array");
+                "written, a printer's queue refused (no CUPS server, an unknown queue, a queue rejecting jobs) or a "
+                "copy that could not be printed whole (no file is left then, and the jobs sent are cancelled).\nExamples:\n  nimbara db "
+                "print 1 --out-dir printed\n  nimbara db print 10250 --edition array\n  nimbara db print 1 --printer office");
     cmd->callback([o, &status] { status = run_db_command("print", std::cerr, [&] { return print_guia(*o); }); });
 }
 

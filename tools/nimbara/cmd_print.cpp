@@ -9,6 +9,7 @@
 #include "guia_command.hpp"
 #include "json_output.hpp"
 #include "nimbara/PdfSurface.hpp"
+#include "printer_target.hpp"
 #include "standard_streams.hpp"
 
 namespace nimbara::cli {
@@ -29,6 +30,16 @@ int print_guias(PrintRun run)
         std::cerr << "nimbara print: " << message << '\n';
         write_json(std::cout, refusal_json("nimbara print", message));
         return 2;
+    }
+    // A queue that cannot take the jobs is refused before any Guia is read, so that nothing is sent.
+    if (run.guia.queue) {
+        try {
+            usable_printer(*run.guia.queue);
+        } catch (const std::exception& e) {
+            std::cerr << "nimbara print: " << e.what() << '\n';
+            if (run.guia.json) write_json(std::cout, refusal_json("nimbara print", e.what()));
+            return 2;
+        }
     }
     auto pdf = std::make_shared<std::string>();
     if (!run.one_file.empty()) {
@@ -104,12 +115,20 @@ void register_print(CLI::App& app, int& status)
                     "a taken name gains -2, -3...; - writes it to standard output, the answers then going to standard error "
                     "(not with --json)")
         ->excludes(out_dir);
+    cmd->add_option("--printer", run->guia.queue,
+                    "Send each copy to this CUPS queue as one job (A4, actual size) instead of writing PDFs; "
+                    "nimbara printers lists the queues")
+        ->excludes(out_dir)
+        ->excludes(cmd->get_option("--one-file"));
     cmd->add_option("--print-log", run->guia.print_log,
                     "The print log (default: $XDG_STATE_HOME/nimbara/nimbara.log, or ~/.local/state/nimbara/nimbara.log)");
     cmd->footer("Exit status: the worst of the Guias: 0 printed, 1 a line or the Guia failed (see the report), 2 bad "
-                "input or an output place refused, 3 validated but not printed whole (the field and line are named).\n"
+                "input, an output place or a printer's queue refused (no CUPS server, an unknown queue, a queue "
+                "rejecting jobs), 3 validated but not printed whole (the field and line, or the job, are named; "
+                "the Guia's jobs already sent are cancelled).\n"
                 "Examples:\n  nimbara print examples/valid-guia.json --out-dir printed\n"
                 "  nimbara print day/*.json --one-file day.pdf\n"
+                "  nimbara print examples/valid-guia.json --printer office\n"
                 "  nimbara print - --json < guia.json");
     cmd->callback([run, &status] { status = print_guias(*run); });
 }

@@ -14,9 +14,11 @@
 #include "nimbara/GlobalFrameWork.hpp"
 #include "nimbara/cls_ValProdutosA.hpp"
 #include "nimbara/guia_file.hpp"
+#include "nimbara/printer_queue.hpp"
 #include "explanation.hpp"
 #include "json_output.hpp"
 #include "option_checks.hpp"
+#include "printer_target.hpp"
 #include "standard_streams.hpp"
 #include "verdict_json.hpp"
 
@@ -122,6 +124,17 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
         guia.setPrintLog(run.print_log ? fs::path(*run.print_log) : default_print_log());
         if (run.printer) guia.setPrinter(run.printer);
     }
+    // Each Guia's copies are jobs of their own, named after it.
+    std::unique_ptr<QueuePrinter> queue;
+    if (run.printing && run.queue) {
+        const std::string& ndoc = file.cabecalho.cb_NDoc;
+        try {
+            queue = std::make_unique<QueuePrinter>(*run.queue, ndoc.empty() ? file.cabecalho.cb_N_Req : ndoc);
+        } catch (const PrinterError& e) {
+            throw Refusal{printer_refusal(e)};
+        }
+        guia.setPrinter(queue->surface());
+    }
 
     // What would not print whole is found before printing: the Guia is then validated and reported only.
     std::vector<Failure> problems;
@@ -147,15 +160,23 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
     int status = outcome.errors ? 1 : 0;
     if (status == 0 && run.printing) {
         // A shared printer's file is told by whoever holds it.
+        const auto made = queue ? queue->jobs().size() : outcome.printed.size();
         const bool whole = problems.empty() && outcome.print_failures.empty() && outcome.copies > 0 &&
-                           (run.printer || outcome.printed.size() == static_cast<std::size_t>(outcome.copies));
+                           (run.printer || made == static_cast<std::size_t>(outcome.copies));
         if (!whole) status = 3;
         if (run.printer && !outcome.print_failures.empty()) *run.printer_spoiled = true;
+        // A Guia whose copies did not all go is no printed Guia: the ones sent are withdrawn.
+        if (!whole && queue) queue->cancel_all();
     }
-    if (run.json)
+    if (run.json) {
         document = as_json(outcome, status == 1 ? std::vector<Failure>{} : problems, warnings, status, file);
-    else
+        if (queue) {
+            document["printer"] = queue->queue();
+            document["jobs"] = jobs_json(queue->jobs());
+        }
+    } else {
         out << guia_answer(outcome) << '\n';
+    }
     if (!run.quiet) {
         for (const auto& e : outcome.line_errors)
             if (const auto x = explanation(e.error, file, e.row))
@@ -167,12 +188,13 @@ int run(const GuiaRun& run, std::ostream& out, std::ostream& err, const std::str
     }
     if (!run.quiet)
         for (const auto& pdf : outcome.printed) err << "nimbara " << command << ": printed " << pdf.string() << '\n';
+    if (queue && (!run.quiet || status == 3)) tell_jobs(err, command, queue->queue(), queue->jobs());
     if (status == 3) {
         for (const auto& p : problems) err << "nimbara " << command << ": not printed: " << source << ": " << p.where << ": " << p.cause << '\n';
         for (const auto& f : outcome.print_failures) err << "nimbara " << command << ": not printed whole: " << f << '\n';
         if (problems.empty() && outcome.print_failures.empty())
-            err << "nimbara " << command << ": " << outcome.printed.size() << " of " << file.parametros.vGuiaNVias
-                << " copies printed\n";
+            err << "nimbara " << command << ": " << (queue ? queue->jobs().size() : outcome.printed.size()) << " of "
+                << file.parametros.vGuiaNVias << " copies printed\n";
     }
     return status;
 }

@@ -30,6 +30,8 @@ struct GuiaRun {
     bool verbose = false;
     // The printer every Guia shares (a batch), instead of a PDF file per copy.
     std::shared_ptr<PageSurface> printer;
+    // The CUPS queue each copy goes to as a job, instead of a PDF file (print --printer).
+    std::optional<std::string> queue;
     // Set when a Guia drawn into the shared printer did not come out whole.
     std::shared_ptr<bool> printer_spoiled = std::make_shared<bool>(false);
 };
