@@ -2,11 +2,14 @@
 // one job whose document is the PDF the surface wrote, and each fault named with its queue and job.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <regex>
 #include <string>
 #include <vector>
 
 #include "cups/test_queues.hpp"
 #include "nimbara/printer_queue.hpp"
+#include "platform/print_server.hpp"
 
 using nimbara::PdfSurface;
 using nimbara::PrinterError;
@@ -119,4 +122,29 @@ TEST_F(PrinterQueue, CancellingWithdrawsTheJobsStillHeld)
     const auto jobs = printer.jobs();
     ASSERT_EQ(jobs.size(), 2u);
     for (const auto& job : jobs) EXPECT_EQ(job.state, "canceled") << job.id;
+}
+
+// The scheduler drops a request above 4 MiB midway: the job is cancelled rather than left holding
+// part of a document, and the fault names the queue and the job.
+TEST_F(PrinterQueue, ADocumentCutOffMidwayIsCancelledAndNamed)
+{
+    nimbara::Picture noise{"Pic_Noise", 1400, 1400, 1, {}, nullptr};
+    std::uint32_t seed = 12345;
+    noise.argb.resize(1400u * 1400u);
+    for (auto& px : noise.argb) px = 0xFF000000u | ((seed = seed * 1664525u + 1013904223u) >> 8);
+    QueuePrinter printer("nimbara-test", "2026/1027");
+    auto& surface = *printer.surface();
+    surface.PaintPicture(noise, 0, 0);
+    try {
+        surface.EndDoc();
+        FAIL() << "a document beyond the server's limit went through";
+    } catch (const PrinterError& e) {
+        const std::string message = e.what();
+        EXPECT_NE(message.find("for the queue \"nimbara-test\" was cancelled"), std::string::npos) << message;
+        const std::regex job(R"(job (\d+) \("Guia 2026/1027 via 1"\))");
+        std::smatch id;
+        ASSERT_TRUE(std::regex_search(message, id, job)) << message;
+        EXPECT_EQ(nimbara::platform::connect_print_server()->job_state(std::stoi(id[1])), "canceled");
+    }
+    EXPECT_TRUE(printer.jobs().empty());
 }
