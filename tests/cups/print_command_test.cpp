@@ -174,3 +174,15 @@ TEST_P(DbPrintToQueue, EachCopyOfTheStoredGuiaIsOneJob)
     EXPECT_EQ(refused.status, 2);
     EXPECT_NE(refused.err.find("did you mean \"nimbara-test\"?"), std::string::npos) << refused.err;
 }
+
+// libcups is opened only when a queue is printed to: a print to files stays as light as before.
+TEST_F(PrintToQueue, OnlyPrintingToAQueueLoadsTheCupsClient)
+{
+    const std::string guia = example("valid-guia.json") + " -q --report never --report-dir " + folder.path().string();
+    const auto to_files = run_with("env LD_DEBUG=files ", "print " + guia + " --out-dir " + folder.path().string());
+    ASSERT_EQ(to_files.status, 0);
+    EXPECT_EQ(to_files.err.find("libcups"), std::string::npos);
+    const auto to_queue = run_with("env LD_DEBUG=files ", "print " + guia + " --printer nimbara-test");
+    ASSERT_EQ(to_queue.status, 0);
+    EXPECT_NE(to_queue.err.find("libcups.so"), std::string::npos);
+}
