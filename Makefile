@@ -43,7 +43,7 @@ test: build
 sanitize: deps
 	@cmake -S . -B $(SANITIZE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
 	  -DNIMBARA_SANITIZE=ON >/dev/null
-	@cmake --build $(SANITIZE_DIR) -j $(JOBS) --target nimbara_tests
+	@cmake --build $(SANITIZE_DIR) -j $(JOBS) --target nimbara_tests nimbara_cups_tests
 	@cd $(SANITIZE_DIR) && $(CURDIR)/scripts/with-postgres ctest --output-on-failure -j $(JOBS)
 
 # Each harness runs FUZZ_SECONDS over its seeds from fuzz/corpus (and FUZZ_SEEDS_<harness>) and what
