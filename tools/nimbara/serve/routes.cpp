@@ -31,6 +31,8 @@ std::span<const Route> api_routes()
         {"GET", "/settings", Role::admin, false, get_settings},
         {"PUT", "/settings", Role::admin, true, put_settings},
         {"POST", "/settings/preview", Role::admin, true, preview_settings},
+        {"POST", "/imports", Role::admin, true, start_import},
+        {"GET", "/imports/{id}", Role::admin, false, import_progress},
     };
     return routes;
 }
