@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
 
 #include "nimbara/guia_file.hpp"
+#include "import/old_sources.hpp"
+#include "import_jobs.hpp"
+#include "nimbara/Database.hpp"
 #include "serve/api_request.hpp"
 #include "support/test_database.hpp"
 
@@ -244,6 +248,131 @@ TEST_P(HandlersTest, ALineIsJudgedWithTheValuesItCouldHave)
     ASSERT_EQ(zones["kinds"].size(), 1u);
     EXPECT_EQ(zones["kinds"][0]["field"], "A_Zona_Taxacao");
     EXPECT_FALSE(zones["kinds"][0]["codes"].empty());
+}
+
+TEST_P(HandlersTest, AStoredGuiaPrintsEveryCopyAndExportsItsLines)
+{
+    add_example_client();
+    ASSERT_EQ(call("PUT", "/settings", {}, {}, R"({"settings": {"vGuiaNVias": "2", "vGuiaMargensTopo": {"value": "5mm"}}})")
+                  .status,
+              200);
+    const auto n_req = std::to_string(save_example_guia());
+    const auto pdf = call("GET", "/guias/{id}/pdf", {{"id", n_req}});
+    ASSERT_EQ(pdf.status, 200) << pdf.body;
+    EXPECT_EQ(pdf.content_type, "application/pdf");
+    EXPECT_TRUE(pdf.body.starts_with("%PDF-"));
+    ASSERT_EQ(pdf.headers.size(), 1u);
+    EXPECT_EQ(pdf.headers[0].second, "attachment; filename=\"Guia_2026-1.pdf\"");
+    EXPECT_EQ(call("GET", "/guias/{id}/pdf", {{"id", "99"}}).status, 404);
+
+    const auto csv = call("GET", "/guias/export", {}, {{"year", "2026"}});
+    ASSERT_EQ(csv.status, 200) << csv.body;
+    EXPECT_TRUE(csv.content_type.starts_with("text/csv"));
+    EXPECT_EQ(std::count(csv.body.begin(), csv.body.end(), '\n'), 7) << csv.body;  // the header and six lines
+    EXPECT_EQ(call("GET", "/guias/export", {}, {{"format", "xml"}}).status, 400);
+
+    const json summary = body_of(call("GET", "/summary", {}, {{"year", "2026"}, {"month", "11"}}));
+    EXPECT_EQ(summary["guias"], 1);
+    EXPECT_EQ(summary["lines"], 6);
+    std::int64_t quantity = 0;
+    for (const auto& p : summary["products"]) quantity += p["quantity"].get<std::int64_t>();
+    EXPECT_EQ(quantity, 300 + 150 + 20 + 120 + 500 + 300);
+    EXPECT_EQ(body_of(call("GET", "/summary", {}, {{"year", "2025"}}))["guias"], 0);
+    EXPECT_EQ(call("GET", "/summary", {}, {{"month", "11"}}).status, 400);
+}
+
+TEST_P(HandlersTest, SettingsAreCheckedSavedAuditedAndPreviewedUnsaved)
+{
+    const auto before = body_of(call("GET", "/settings"))["settings"];
+    struct Case {
+        const char* body;
+        int status;
+        const char* field;
+    };
+    const Case refused[] = {
+        {R"({"settings": {"vNada": "1"}})", 422, "/settings/vNada"},
+        {R"({"settings": {"vGuiaNVias": "muitas"}})", 422, "/settings/vGuiaNVias"},
+        {R"({"settings": {"vGuiaMargensTopo": "900mm"}})", 422, "/settings/vGuiaMargensTopo"},
+        {R"({"settings": {"vGuiaNVias": true}})", 422, "/settings/vGuiaNVias"},
+        {R"({"setings": {}})", 422, "/setings"},
+    };
+    for (const auto& c : refused) {
+        for (const char* pattern : {"/settings", "/settings/preview"}) {
+            const auto r = call(pattern[9] ? "POST" : "PUT", pattern, {}, {}, c.body);
+            EXPECT_EQ(r.status, c.status) << c.body << " -> " << r.body;
+            EXPECT_EQ(body_of(r).value("field", ""), c.field) << c.body;
+        }
+    }
+    EXPECT_EQ(body_of(call("GET", "/settings"))["settings"], before);
+
+    const auto preview = call("POST", "/settings/preview", {}, {}, R"({"settings": {"vGuiaMargensEsquerda": "10mm"}})");
+    ASSERT_EQ(preview.status, 200) << preview.body;
+    EXPECT_TRUE(preview.body.starts_with("%PDF-"));
+    EXPECT_FALSE(preview.audit);
+    EXPECT_EQ(body_of(call("GET", "/settings"))["settings"], before);
+
+    const auto saved = call("PUT", "/settings", {}, {}, R"({"settings": {"vGuiaMargensEsquerda": "10mm"}})");
+    ASSERT_EQ(saved.status, 200) << saved.body;
+    EXPECT_EQ(body_of(saved)["settings"]["vGuiaMargensEsquerda"]["value"], "567");
+    ASSERT_TRUE(saved.audit);
+    EXPECT_EQ(saved.audit->action, "settings");
+}
+
+TEST_P(HandlersTest, AcceptedValuesFollowWhatTheLineHolds)
+{
+    const auto zones = body_of(call("GET", "/possible-values", {}, {{"field", "A_Zona_Taxacao"}, {"B_Produto", "C01"}}));
+    ASSERT_FALSE(zones["possible_values"].empty()) << zones;
+    EXPECT_TRUE(zones["possible_values"][0].contains("code"));
+    const auto steps =
+        body_of(call("GET", "/possible-values", {}, {{"field", "Escalao"}, {"B_Produto", "C01"}, {"A_Zona_Taxacao", "01"}}));
+    ASSERT_FALSE(steps["possible_values"].empty()) << steps;
+    EXPECT_TRUE(steps["possible_values"][0].contains("minimum"));
+    // A zone no rule of the product has leaves nothing to offer for the fields after it.
+    const auto none =
+        body_of(call("GET", "/possible-values", {}, {{"field", "Escalao"}, {"B_Produto", "C01"}, {"A_Zona_Taxacao", "99"}}));
+    EXPECT_TRUE(none["possible_values"].empty()) << none;
+    EXPECT_FALSE(body_of(call("GET", "/possible-values", {}, {{"field", "B_Produto"}}))["possible_values"].empty());
+    EXPECT_EQ(call("GET", "/possible-values", {}, {{"field", "Cor"}, {"B_Produto", "C01"}}).status, 400);
+    EXPECT_EQ(call("GET", "/possible-values", {}, {{"field", "Escalao"}}).status, 400);
+    EXPECT_EQ(call("GET", "/possible-values", {}, {{"field", "E_Velocidade"}, {"B_Produto", "C01"}, {"Escalao", "x"}}).status,
+              400);
+}
+
+std::string jet_file(const char* name)
+{
+    std::ifstream in(kJetFixtures / name, std::ios::binary);
+    std::stringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+TEST_P(HandlersTest, AnOldFileIsImportedInTheBackgroundAfterItsDryRun)
+{
+    if (!jet_fixtures_present()) GTEST_SKIP() << kNoJetFixtures;
+    const std::string file = jet_file("v0501.mdb");
+    ASSERT_FALSE(file.empty());
+    const auto report = call("POST", "/imports", {}, {{"dry_run", "1"}}, file);
+    ASSERT_EQ(report.status, 200) << report.body;
+    EXPECT_FALSE(report.audit);
+    EXPECT_EQ(count("Tbl_Cab"), 0);
+    const auto brought = body_of(report)["imported"];
+    EXPECT_GT(brought["guias"].get<std::int64_t>(), 0) << report.body;
+    EXPECT_EQ(call("POST", "/imports", {}, {{"dry_run", "1"}}, "not a database").status, 422);
+
+    const std::string conn = scratch->conn();
+    serve::import_jobs().set_opener([conn] { return OpenDatabase(conn); });
+    const auto started = call("POST", "/imports", {}, {}, file);
+    ASSERT_EQ(started.status, 202) << started.body;
+    ASSERT_TRUE(started.audit);
+    serve::import_jobs().wait();
+    const auto id = std::to_string(body_of(started)["id"].get<std::int64_t>());
+    const auto progress = body_of(call("GET", "/imports/{id}", {{"id", id}}));
+    EXPECT_EQ(progress["state"], "done") << progress;
+    EXPECT_EQ(progress["done"], progress["total"]);
+    EXPECT_EQ(progress["summary"]["imported"], brought);
+    EXPECT_EQ(count("Tbl_Cab"), brought["guias"].get<std::int64_t>());
+    EXPECT_EQ(call("GET", "/imports/{id}", {{"id", "999"}}).status, 404);
+    serve::import_jobs().set_opener(nullptr);
 }
 
 }  // namespace
