@@ -9,6 +9,8 @@ import jsonschema
 
 def main(document_path, folder):
     document = json.loads(pathlib.Path(document_path).read_text())
+    # The file schemas inside the document are resources of their own, found by their $id.
+    store = {s["$id"]: s for s in document["components"]["schemas"].values() if "$id" in s}
     checked, faults, seen = 0, [], set()
     for path in sorted(pathlib.Path(folder).glob("*.json")):
         kept = json.loads(path.read_text())
@@ -30,7 +32,7 @@ def main(document_path, folder):
         root["$ref"] = "#/x-answer"
         root["x-answer"] = schema
         try:
-            jsonschema.Draft202012Validator(root).validate(kept["body"])
+            jsonschema.Draft202012Validator(root, resolver=jsonschema.RefResolver("", root, store=store)).validate(kept["body"])
         except jsonschema.ValidationError as e:
             faults.append(f"{path.name}: {kept['method']} {kept['pattern']} {kept['status']}: {e.message} at "
                           f"{'/'.join(map(str, e.absolute_path))}")

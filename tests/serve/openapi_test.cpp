@@ -44,8 +44,8 @@ TEST(OpenApiTest, EveryRouteIsDocumentedWithItsMethodAndRole)
 TEST(OpenApiTest, TheFileSchemasAreThoseOfDataSchema)
 {
     const json d = document();
-    for (const auto& [component, file] : {std::pair{"GuiaFile", "guia-file.schema.json"},
-                                          std::pair{"ClientFile", "client-file.schema.json"}}) {
+    for (const auto& [component, file] : {std::pair{"GuiaFileSchema", "guia-file.schema.json"},
+                                          std::pair{"ClientFileSchema", "client-file.schema.json"}}) {
         json expected = json::parse(std::ifstream(std::string(NIMBARA_SOURCE_DIR) + "/data/schema/" + file));
         json copied = d["components"]["schemas"][component];
         expected.erase("$schema");
