@@ -4,8 +4,25 @@ import { h } from './dom';
 import { TextKey, language, setLanguage, t } from './i18n';
 import { loginPage } from './login';
 import { RouteEntry, match, navigate, startRouter } from './router';
+import { formPage } from './form';
+import { guiaViewPage } from './guia_view';
+import { listPage } from './list';
+import { summaryPage } from './summary';
+import { clientsPage } from './admin_clients';
+import { settingsPage } from './admin_settings';
+import { importPage } from './admin_import';
+import { usersPage } from './admin_users';
 
-const routes: RouteEntry[] = [];
+const routes: RouteEntry[] = [
+  { pattern: '/', page: formPage },
+  { pattern: '/guias', page: listPage },
+  { pattern: '/guias/:id', page: guiaViewPage },
+  { pattern: '/summary', page: summaryPage },
+  { pattern: '/admin/clients', page: clientsPage, admin: true },
+  { pattern: '/admin/settings', page: settingsPage, admin: true },
+  { pattern: '/admin/import', page: importPage, admin: true },
+  { pattern: '/admin/users', page: usersPage, admin: true },
+];
 
 let session: Session | null = null;
 
