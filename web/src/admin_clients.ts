@@ -1,4 +1,4 @@
-import { ApiError, api } from './api';
+import { ApiError, api, listIn } from './api';
 import { confirmDialog, describe } from './confirm';
 import { clear, h } from './dom';
 import { TextKey, t } from './i18n';
@@ -39,7 +39,7 @@ export async function clientsPage(main: HTMLElement): Promise<void> {
   create.addEventListener('click', () => edit(null));
 
   async function showList(): Promise<void> {
-    const clients = await api.get<Loose[]>('/clients', { search: search.value.trim() });
+    const clients = listIn(await api.get<unknown>('/clients', { search: search.value.trim() }), 'clients');
     clear(list);
     if (!clients.length) {
       list.append(h('p', { class: 'muted' }, t('noClients')));

@@ -1,4 +1,4 @@
-import { ApiError, api } from './api';
+import { ApiError, api, listIn } from './api';
 import { confirmDialog } from './confirm';
 import { clear, h } from './dom';
 import { t } from './i18n';
@@ -18,7 +18,7 @@ export async function usersPage(main: HTMLElement): Promise<void> {
   const role = h('select', { id: 'user-role', name: 'role' }, h('option', { value: 'clerk' }, t('roleClerk')), h('option', { value: 'admin' }, t('roleAdmin')));
 
   async function show(): Promise<void> {
-    const users = await api.get<User[]>('/users');
+    const users = listIn<User>(await api.get<unknown>('/users'), 'users');
     clear(list);
     if (!users.length) {
       list.append(h('p', { class: 'muted' }, t('noUsers')));

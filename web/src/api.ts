@@ -49,7 +49,7 @@ async function errorOf(response: Response): Promise<ApiError> {
   const text = await response.text();
   try {
     const body = JSON.parse(text) as { error?: string; field?: string };
-    return new ApiError(response.status, body.error ?? `HTTP ${response.status}`, body.field, body);
+    return new ApiError(response.status, body.error ?? `HTTP ${response.status}`, fieldName(body.field), body);
   } catch {
     return new ApiError(response.status, text.trim() || `HTTP ${response.status}`);
   }
@@ -79,4 +79,21 @@ export async function loadSession(): Promise<Session> {
   const session = await api.get<Session>('/session');
   setCsrfToken(session.csrf_token);
   return session;
+}
+
+// The list an answer carries: the answer itself when it is one, else the array under one of `keys`,
+// else its only array (the API wraps lists as {"status": 0, "clients": [...]}).
+export function listIn<T = Record<string, unknown>>(value: unknown, ...keys: string[]): T[] {
+  if (Array.isArray(value)) return value as T[];
+  if (!value || typeof value !== 'object') return [];
+  const o = value as Record<string, unknown>;
+  for (const key of keys) if (Array.isArray(o[key])) return o[key] as T[];
+  const arrays = Object.values(o).filter(Array.isArray);
+  return arrays.length === 1 ? (arrays[0] as T[]) : [];
+}
+
+// A field as the pages name it: the API names places ("/produtos/0/Escalao", "/header/cb_Obs").
+export function fieldName(place: string | undefined): string | undefined {
+  if (!place) return undefined;
+  return place.split('/').filter(Boolean).pop();
 }

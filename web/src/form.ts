@@ -1,4 +1,4 @@
-import { ApiError, api } from './api';
+import { ApiError, api, listIn } from './api';
 import { clear, h, uid } from './dom';
 import {
   Fields, GuiaFile, LINE_COLUMNS, LineColumn, PossibleValue, Verdict, emptyLine, julianDay, lineIsBlank,
@@ -117,7 +117,7 @@ export async function formPage(main: HTMLElement): Promise<void> {
   }
 
   // ---- the header ----
-  const clients = (await api.get<Record<string, unknown>[]>('/clients')).map(readClient);
+  const clients = listIn(await api.get<unknown>('/clients'), 'clients').map(readClient);
   const headerErrors = new Map<string, HTMLElement>();
   const headerInputs = new Map<string, HTMLInputElement | HTMLSelectElement | HTMLTextAreaElement>();
 

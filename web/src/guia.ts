@@ -101,7 +101,7 @@ export function readVerdict(value: unknown): Verdict {
     number,
     description: text(o.description),
     explanation: typeof explanation === 'string' ? explanation : explanation ? JSON.stringify(explanation) : undefined,
-    field: text(o.field) ?? (number !== undefined ? FIELD_OF_ERROR[number] : undefined),
+    field: text(o.field)?.split('/').filter(Boolean).pop() ?? (number !== undefined ? FIELD_OF_ERROR[number] : undefined),
     possible_values: readPossibleValues(o.possible_values ?? o.accepted_values ?? []),
   };
 }

@@ -1,4 +1,4 @@
-import { api, withQuery } from './api';
+import { api, listIn, withQuery } from './api';
 import { clear, h } from './dom';
 import { deleteGuia } from './guia_view';
 import { TextKey, locale, t } from './i18n';
@@ -53,7 +53,7 @@ export async function listPage(main: HTMLElement): Promise<void> {
   async function show(): Promise<void> {
     const f = filters();
     exportLink.setAttribute('href', withQuery('/guias/export', { format: 'csv', ...f }));
-    const rows = await api.get<Row[]>('/guias', { ...f, order: order.value });
+    const rows = listIn<Row>(await api.get<unknown>('/guias', { ...f, order: order.value }), 'guias', 'lines', 'rows');
     clear(results);
     if (!rows.length) {
       results.append(h('p', { class: 'muted' }, t('noGuias')));

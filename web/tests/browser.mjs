@@ -183,6 +183,20 @@ async function clerkRound(page, base) {
   await page.goto(`${base}/?copy=${id}`);
   await cell(page, 0, 'B_Produto').waitFor();
   check(await cell(page, 0, 'B_Produto').inputValue() === 'C03', 'a copied Guia brings its lines into the form');
+  // Two rows copied from a spreadsheet, pasted into the first cell after the copied line.
+  await page.click('text=Acrescentar linha');
+  await cell(page, 1, 'B_Produto').evaluate((input) => {
+    const data = new DataTransfer();
+    data.setData('text/plain', 'C03\t01\t100\t500\t0\t0\t1\t0\t0\t0\t0\r\nC03\t01\t0\t500\t0\t0\t1\t0\t0\t0\t0\r\n');
+    input.dispatchEvent(new ClipboardEvent('paste', { clipboardData: data, bubbles: true, cancelable: true }));
+  });
+  await page.locator('tr.refused').first().waitFor({ timeout: 10000 });
+  await page.locator('tr.accepted').nth(0).waitFor({ timeout: 10000 });
+  const pasted = await page.locator('tbody tr:not(.detail)').evaluateAll((rows) => rows.map((r) => r.className.replace('current', '').trim()));
+  check(pasted.length === 3 && pasted[1] === 'accepted' && pasted[2] === 'refused',
+    `pasted rows fill the grid and are checked at once (${pasted.join(', ')})`);
+  check(await cell(page, 2, 'Escalao').inputValue() === '0', 'the second pasted row lands in the next line');
+  await shoot(page, 'form-pasted');
   await page.evaluate(() => localStorage.removeItem('nimbara.draft'));
 
   // English on request.
