@@ -335,7 +335,8 @@ export async function formPage(main: HTMLElement): Promise<void> {
     try {
       list = readPossibleValues(await api.get<unknown>('/possible-values', query));
     } catch {
-      list = [];
+      // Without the procedures' answer, the product's codes from the rule catalogue still help.
+      list = await catalogueValues(column, row.line.B_Produto ?? '');
     }
     if (token !== offerToken) return;
     const typed = input.value.trim().toLowerCase();
@@ -357,6 +358,14 @@ export async function formPage(main: HTMLElement): Promise<void> {
       if (v.code) values.append(h('option', { value: v.code }, v.designation ?? ''));
     }
     input.setAttribute('list', 'accepted-values');
+  }
+
+  const catalogue = new Map<string, Promise<unknown>>();
+  async function catalogueValues(column: LineColumn, product: string): Promise<PossibleValue[]> {
+    const key = /^[A-Z]\d{2}$/.test(product) ? product : '';
+    if (!catalogue.has(key)) catalogue.set(key, api.get<unknown>('/codes', key ? { product: key } : {}).catch(() => ({})));
+    const kinds = listIn<{ field?: string; codes?: unknown }>(await catalogue.get(key)!, 'kinds');
+    return readPossibleValues(kinds.find((k) => k.field === column)?.codes ?? []);
   }
 
   async function checkRow(row: Row): Promise<void> {

@@ -88,6 +88,8 @@ async function render(): Promise<void> {
   try {
     await found.route.page(main, found.params);
   } catch (error) {
+    // A session that ended (a restart, a logout elsewhere) leads back to the login.
+    if (error instanceof ApiError && error.status === 401 && session.login_required) return start();
     main.replaceChildren(h('p', { class: 'error', role: 'alert' }, error instanceof ApiError ? error.message : t('serverUnreachable')));
   }
 }
