@@ -100,10 +100,18 @@ function cell(page, row, column) {
   return page.locator(`input[data-row="${row}"][data-column="${column}"]`);
 }
 
+// Script errors and refusals by the page's security policy land in the console.
+const consoleErrors = [];
+function watchConsole(page) {
+  page.on('console', (m) => m.type() === 'error' && consoleErrors.push(m.text()));
+  page.on('pageerror', (e) => consoleErrors.push(String(e)));
+}
+function checkConsole(when) {
+  check(consoleErrors.length === 0, `no error in the console ${when}${consoleErrors.length ? `: ${consoleErrors.join(' | ')}` : ''}`);
+  consoleErrors.length = 0;
+}
+
 async function clerkRound(page, base) {
-  const errors = [];
-  page.on('console', (m) => m.type() === 'error' && errors.push(m.text()));
-  page.on('pageerror', (e) => errors.push(String(e)));
 
   await page.goto(`${base}/`);
   await page.selectOption('#client', '456');
@@ -205,7 +213,7 @@ async function clerkRound(page, base) {
   await shoot(page, 'form-english');
   await page.click('button:text("Português")');
 
-  check(errors.length === 0, `no script error in the console${errors.length ? `: ${errors.join(' | ')}` : ''}`);
+  checkConsole('on the clerk\'s pages');
   return id;
 }
 
@@ -238,6 +246,7 @@ async function adminRound(page, base) {
   const progress = await page.locator('#import-progress').evaluate((e) => [e.value, e.max]);
   check(progress[0] === progress[1] && progress[1] > 1, `the progress bar ends full (${progress.join(' of ')})`);
   await shoot(page, 'import-done');
+  checkConsole('on the administrator\'s pages');
 }
 
 async function loginRound(browser) {
@@ -280,8 +289,9 @@ try {
       '--disable-component-update', '--disable-sync'],
   });
   const base = await serve(freshDatabase('clerk'));
-  const context = await browser.newContext({ acceptDownloads: true, viewport: { width: 1400, height: 900 } });
+  const context = await browser.newContext({ acceptDownloads: true, viewport: { width: 1400, height: 900 }, locale: 'pt-PT' });
   const page = await context.newPage();
+  watchConsole(page);
   await clerkRound(page, base);
   await adminRound(page, base);
   await loginRound(browser);
