@@ -1,6 +1,7 @@
 import { ApiError, api, listIn } from './api';
 import { confirmDialog, describe } from './confirm';
 import { clear, h } from './dom';
+import { cascadeOf } from './guia_view';
 import { TextKey, t } from './i18n';
 
 type Loose = Record<string, unknown>;
@@ -59,7 +60,7 @@ export async function clientsPage(main: HTMLElement): Promise<void> {
 
   async function removeClient(code: string): Promise<void> {
     const cascade = await api.del<unknown>(`/clients/${encodeURIComponent(code)}`, { dry_run: 1 });
-    if (!(await confirmDialog(t('deleteClientTitle', { code }), [h('p', {}, t('deleteTakes')), describe(cascade)], t('deleteConfirm')))) return;
+    if (!(await confirmDialog(t('deleteClientTitle', { code }), [h('p', {}, t('deleteTakes')), describe(cascadeOf(cascade))], t('deleteConfirm')))) return;
     try {
       await api.del(`/clients/${encodeURIComponent(code)}`);
       message.textContent = t('clientDeleted', { code });
@@ -154,7 +155,7 @@ export async function clientsPage(main: HTMLElement): Promise<void> {
     });
     remove.addEventListener('click', async () => {
       const cascade = await api.del<unknown>(`/contracts/${encodeURIComponent(key)}`, { dry_run: 1 });
-      if (!(await confirmDialog(t('deleteContractTitle', { code: str(contract?.vCodContrato) }), [h('p', {}, t('deleteTakes')), describe(cascade)], t('deleteConfirm')))) return;
+      if (!(await confirmDialog(t('deleteContractTitle', { code: str(contract?.vCodContrato) }), [h('p', {}, t('deleteTakes')), describe(cascadeOf(cascade))], t('deleteConfirm')))) return;
       try {
         await api.del(`/contracts/${encodeURIComponent(key)}`);
         edit(await api.get<Loose>(`/clients/${encodeURIComponent(clientCode)}`));

@@ -57,7 +57,7 @@ export async function settingsPage(main: HTMLElement): Promise<void> {
   form.querySelector('#preview-settings')!.addEventListener('click', async () => {
     error.textContent = '';
     try {
-      const blob = await api.postForBlob('/settings/preview', current());
+      const blob = await api.postForBlob('/settings/preview', { settings: current() });
       if (previewUrl) URL.revokeObjectURL(previewUrl);
       previewUrl = URL.createObjectURL(blob);
       preview.src = previewUrl;
@@ -70,7 +70,7 @@ export async function settingsPage(main: HTMLElement): Promise<void> {
     event.preventDefault();
     error.textContent = '';
     try {
-      await api.put('/settings', current());
+      await api.put('/settings', { settings: current() });
       message.textContent = t('settingsSaved');
     } catch (e) {
       refuse(e);

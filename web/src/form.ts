@@ -37,6 +37,10 @@ const COLUMN_TEXT: Record<LineColumn, TextKey> = {
   TaxEsp_Quantidade: 'colSpecialQuantity', TaxEsp_Semana: 'colSpecialWeek', refClie: 'colReference',
 };
 const NUMERIC = new Set<string>(['Escalao', 'D_Quantidade', 'TaxEsp_Quantidade']);
+// The fields whose accepted values the API gives, and the only ones it takes as the line so far.
+const ASKED = new Set<string>(['B_Produto', 'A_Zona_Taxacao', 'Escalao', 'E_Velocidade', 'Formato', 'PreTratamento',
+  'Desconto', 'CodAmbitoDist', 'Entrega_Sampling', 'ListaServesp']);
+const SO_FAR = ['B_Produto', 'A_Zona_Taxacao', 'Escalao', 'E_Velocidade', 'Formato', 'PreTratamento', 'Desconto', 'CodAmbitoDist'];
 
 function today(): string {
   const d = new Date();
@@ -328,14 +332,21 @@ export async function formPage(main: HTMLElement): Promise<void> {
   let offerToken = 0;
   async function offerValues(row: Row, column: LineColumn, input: HTMLInputElement): Promise<void> {
     const token = ++offerToken;
-    const query: Record<string, string> = { field: column };
-    for (const c of LINE_COLUMNS) if (c !== column && row.line[c]) query[c] = row.line[c];
-    if (state.header.cb_TipoAcesso) query.cb_TipoAcesso = state.header.cb_TipoAcesso;
     let list: PossibleValue[] = [];
-    try {
-      list = readPossibleValues(await api.get<unknown>('/possible-values', query));
-    } catch {
-      // Without the procedures' answer, the product's codes from the rule catalogue still help.
+    if (ASKED.has(column) && (column === 'B_Produto' || row.line.B_Produto)) {
+      // The procedures answer given what the line holds so far (a weight only when it is a number).
+      const query: Record<string, string> = { field: column };
+      for (const c of SO_FAR) {
+        const value = row.line[c] ?? '';
+        if (c !== column && value && (c !== 'Escalao' || /^\d+$/.test(value))) query[c] = value;
+      }
+      try {
+        list = readPossibleValues(await api.get<unknown>('/possible-values', query));
+      } catch {
+        list = await catalogueValues(column, row.line.B_Produto ?? '');
+      }
+    } else {
+      // Before the product is known, the rule catalogue's codes of every product help.
       list = await catalogueValues(column, row.line.B_Produto ?? '');
     }
     if (token !== offerToken) return;

@@ -16,7 +16,7 @@ function readProblems(value: unknown): Problem[] {
   return list.map((p) => {
     if (typeof p === 'string') return { field: '', message: p };
     const o = (p ?? {}) as Record<string, unknown>;
-    return { field: String(o.field ?? o.name ?? ''), message: String(o.error ?? o.message ?? o.problem ?? o.description ?? '') };
+    return { field: String(o.field ?? o.place ?? o.name ?? ''), message: String(o.what ?? o.error ?? o.message ?? o.description ?? '') };
   });
 }
 
@@ -66,10 +66,16 @@ export async function guiaViewPage(main: HTMLElement, params: Record<string, str
     printing);
 }
 
+// What a delete takes, from the API's {"dry_run", "deleted": {...}} (or the answer as it is).
+export function cascadeOf(answer: unknown): unknown {
+  const o = answer as Record<string, unknown> | null;
+  return o && typeof o === 'object' && 'deleted' in o ? o.deleted : answer;
+}
+
 // Asks the server what a delete takes (a dry run), names it, and deletes only on a yes.
 export async function deleteGuia(id: string): Promise<boolean> {
   const cascade = await api.del<unknown>(`/guias/${encodeURIComponent(id)}`, { dry_run: 1 });
-  const yes = await confirmDialog(t('deleteGuiaTitle', { id }), [h('p', {}, t('deleteTakes')), describe(cascade)], t('deleteConfirm'));
+  const yes = await confirmDialog(t('deleteGuiaTitle', { id }), [h('p', {}, t('deleteTakes')), describe(cascadeOf(cascade))], t('deleteConfirm'));
   if (!yes) return false;
   try {
     await api.del(`/guias/${encodeURIComponent(id)}`);
