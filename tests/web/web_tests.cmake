@@ -1,5 +1,8 @@
 # The pages' own tests: their pure pieces under Node's test runner, and, once the program serves
 # them, the whole round in headless Chromium (tests/web is included from tests/CMakeLists.txt).
+# The embedded pages' table is checked as the server will read it.
+target_link_libraries(nimbara_tests PRIVATE nimbara_web_assets)
+
 add_executable(nimbara_pdf_symbol ${CMAKE_CURRENT_SOURCE_DIR}/web/pdf_symbol.cpp)
 target_include_directories(nimbara_pdf_symbol PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(nimbara_pdf_symbol PRIVATE nimbara_test_support GTest::gtest ZXing::ZXing)

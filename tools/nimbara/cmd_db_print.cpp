@@ -12,6 +12,7 @@
 #include "option_checks.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
+#include "stored_print.hpp"
 #include "nimbara/FormImpressao.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
@@ -42,9 +43,6 @@ std::string refusal(std::int32_t n_req, const std::vector<PrintProblem>& problem
     for (const auto& p : problems) text += "\n  " + p.place + ": " + p.what;
     return text;
 }
-
-// Margins are kept in twips, checked as whole numbers before printing; the page works in millimetres.
-double margin_mm(const std::string& twips) { return std::stoi(twips) / kTwipsPerMm; }
 
 // The run's files go when a copy did not come out whole: a partial Guia is no printed Guia.
 void keep_only_whole(std::int32_t n_req, const std::vector<fs::path>& written, std::size_t copies,
@@ -91,28 +89,16 @@ int print_as_array(const PrintOptions& o, const std::shared_ptr<Database>& db)
 int print_guia(const PrintOptions& o)
 {
     const auto db = open_command_database(o.conn);
-    if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
-        throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
-    if (o.edition == "array") return print_as_array(o, db);
-
-    cls_Impressao printer(db);
-    printer.set_log_path(o.print_log ? fs::path(*o.print_log) : default_print_log());
-    // Whatever would stop the page is named before anything is drawn.
-    if (const auto problems = printer.PrintProblems(o.n_req); !problems.empty())
-        throw CommandError(refusal(o.n_req, problems));
-
-    cls_Guia_Cabecalho guia(db);
-    guia.SelectMe(o.n_req);
-    const std::string date = guia.vDReq.text().substr(0, 10);
-    // The document number the form shows, as the Guia's file would carry it.
-    const std::string NDoc = date.substr(0, 4) + "/" + std::to_string(guia.vNIDReqAnual);
-    const cls_Parametro parametros(db);
-    const std::int32_t vias = std::stoi(parametros.vGuiaNVias);
-    const double top = margin_mm(parametros.vGuiaMargensTopo);
-    const double left = margin_mm(parametros.vGuiaMargensEsquerda);
+    if (o.edition == "array") {
+        if (db->open("SELECT N_Req FROM Tbl_Cab WHERE N_Req = ?", {o.n_req}).RecordCount() == 0)
+            throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
+        return print_as_array(o, db);
+    }
+    const fs::path log = o.print_log ? fs::path(*o.print_log) : default_print_log();
+    const StoredGuiaPrint guia = prepare_stored_print(db, o.n_req, log);
 
     const fs::path folder = output_folder(o.out_dir);
-    const auto surface = make_pdf_printer(folder, NDoc);
+    const auto surface = make_pdf_printer(folder, guia.NDoc);
     surface->setOrientation(printer::kLandscape);
     surface->setPaperSize(printer::kPaperA4);
     // An output place that cannot be written is known before anything is drawn.
@@ -122,14 +108,10 @@ int print_guia(const PrintOptions& o)
         throw CommandError("Guia " + std::to_string(o.n_req) + " not printed: cannot write into \"" + folder.string() +
                            "\": " + e.what());
     }
-
-    std::int32_t DuplOrig = 0;
-    for (std::int32_t via = 1; via <= vias; ++via, ++DuplOrig)
-        printer.Imprime_Parte_Variavel("", o.n_req, 0, *surface, form_impressao(), top, left, DuplOrig, date, NDoc);
-
+    const auto faults = print_stored_copies(db, guia, *surface, log);
     // The page routines log their faults and go on; a copy with a fault is not a printed Guia, and
     // none of this run's files stays behind it.
-    keep_only_whole(o.n_req, surface->written(), static_cast<std::size_t>(vias), printer.log_entries());
+    keep_only_whole(o.n_req, surface->written(), static_cast<std::size_t>(guia.copies), faults);
     if (!o.quiet)
         for (const auto& pdf : surface->written()) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
     return 0;
