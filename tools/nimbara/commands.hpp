@@ -23,6 +23,7 @@ void register_db_check(CLI::App& db, int& status);
 void register_db_print(CLI::App& db, int& status);
 void register_db_where(CLI::App& db, int& status);
 void register_users(CLI::App& app, int& status);
+void register_serve(CLI::App& app, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
@@ -33,6 +34,7 @@ inline void register_commands(CLI::App& app, int& status)
     register_form(app, status);
     register_codes(app, status);
     register_db(app, status);
+    register_serve(app, status);
     register_users(app, status);
 }
 
