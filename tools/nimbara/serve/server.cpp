@@ -307,11 +307,14 @@ ApiResponse run_api(Server::State& state, const HttpRequest& http)
     call.request.body = http.body;
     if (const auto type = http.header("content-type")) call.request.content_type = std::string(*type);
 
-    PooledConnection db(state.pool);
-    call.request.db = db.get();
+    PooledConnection lease(state.pool);
+    call.request.db = lease.get();
     ApiResponse answer = own ? own->handler(state, call) : domain->handler(call.request);
     if (answer.audit && answer.status < 400)
         write_audit(*call.request.db, call.request.caller.user, answer.audit->action, answer.audit->what);
+    // Let go before the lease ends, or the pool would take the request's copy for a job's and drop
+    // the connection, opening a new one for every request.
+    call.request.db.reset();
     answer.headers.insert(answer.headers.end(), call.set_headers.begin(), call.set_headers.end());
     return answer;
 }
