@@ -40,6 +40,10 @@ enum class SchemaPlace { EmptyOnly, IntoExisting };
 // ForeignTablesError when other tables are there, unless `place` is IntoExisting.
 NIMBARA_API void CreateSchema(Database& db, SchemaPlace place = SchemaPlace::EmptyOnly);
 
+// Gives a database made before them the tables of the web server's users and of its audit
+// (Tbl_Utilizador, Tbl_Auditoria); does nothing when it has them.
+NIMBARA_API void EnsureAccessTables(Database& db);
+
 // Whether the database is this program's: it holds the schema_version row that CreateSchema writes.
 // Only reads.
 NIMBARA_API bool IsGuiaDatabase(Database& db);

@@ -25,6 +25,15 @@ void CreateSchema(Database& db, SchemaPlace place)
     for (const auto& statement : entities::statistics_statements()) db.execute(statement);
     // After the seed, so that the counter starts at 1 rather than at the number of seeded rows.
     for (const auto& statement : entities::rule_counter_statements(db.kind())) db.execute(statement);
+    for (const auto& statement : entities::access_table_statements()) db.execute(statement);
+    transaction.commit();
+}
+
+void EnsureAccessTables(Database& db)
+{
+    if (db.has_table("Tbl_Utilizador") && db.has_table("Tbl_Auditoria")) return;
+    Transaction transaction(db);
+    for (const auto& statement : entities::access_table_statements()) db.execute(statement);
     transaction.commit();
 }
 

@@ -122,6 +122,10 @@ const std::vector<Table>& tables()
         {"tbl_Val_ServicoE", rule_dimension("CodServicoE"), "CodValidacao, CodServicoE"},
         {"schema_version", {{"version", kLong}}, nullptr},
         {"tbl_Val_Versao", {{"Contador", kLong}}, nullptr},
+        // The web server's accounts and what they did; the password is an Argon2id string.
+        {"Tbl_Utilizador", {{"Nome", kShortText}, {"Papel", kCode}, {"Senha", kLongText}, {"Criado", kDate}}, "Nome"},
+        {"Tbl_Auditoria", {{"Quando", kDate}, {"Utilizador", kShortText}, {"Accao", kShortText}, {"Objecto", kMemo}},
+         nullptr},
     };
     return t;
 }
@@ -250,6 +254,16 @@ std::string working_table_statement()
         if (std::string_view(t.name) == "Tbl_Temp_Val_Guia")
             return "CREATE TEMPORARY TABLE IF NOT EXISTS" + create_table(t, StoreKind::PostgreSQL).substr(12);
     return {};
+}
+
+std::vector<std::string> access_table_statements()
+{
+    std::vector<std::string> statements;
+    for (const auto& t : tables())
+        if (std::string_view(t.name) == "Tbl_Utilizador" || std::string_view(t.name) == "Tbl_Auditoria")
+            statements.push_back("CREATE TABLE IF NOT EXISTS" + create_table(t, StoreKind::PostgreSQL).substr(12));
+    statements.emplace_back("CREATE INDEX IF NOT EXISTS ix_Auditoria_Quando ON Tbl_Auditoria (Quando)");
+    return statements;
 }
 
 std::vector<std::string> statistics_statements()

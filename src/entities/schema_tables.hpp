@@ -23,6 +23,10 @@ std::vector<std::string> statistics_statements();
 // (Tbl_Temp_Val_Guia), when it has none yet; the same on both stores.
 std::string working_table_statement();
 
+// The statements that give a database made before them the web server's tables of users and of the
+// audit, when it has none yet; the same on both stores.
+std::vector<std::string> access_table_statements();
+
 // A result column under the name given, quoted so that PostgreSQL answers that spelling (it folds
 // names it is not given in quotes to lower case) as SQLite does: `expression AS "name"`.
 std::string spelled(std::string_view expression, std::string_view name);

@@ -41,6 +41,9 @@ answers=$(bash -c '
   complete_line nimbara db help ""
   complete_line nimbara help db cli
   complete_line nimbara document getXML_DoValP
+  complete_line nimbara serve --l
+  complete_line nimbara users ""
+  complete_line nimbara users add ana --r
 ' completion "$completion")
 expected='nimbara ch|check check-lines 
 nimbara db cl|client 
@@ -52,7 +55,10 @@ nimbara form --edition |array database
 nimbara check guia-|guia-one.json guia-two.json 
 nimbara db help |check check-lines client delete export import init list params print refs save show where 
 nimbara help db cli|client 
-nimbara document getXML_DoValP|getXML_DoValPeso getXML_DoValPreTratamento '
+nimbara document getXML_DoValP|getXML_DoValPeso getXML_DoValPreTratamento 
+nimbara serve --l|--listen 
+nimbara users |add list remove 
+nimbara users add ana --r|--role '
 if [[ $(sort <<<"$answers") != $(sort <<<"$expected") ]]; then
   echo "completions differ:" >&2
   diff <(sort <<<"$expected") <(sort <<<"$answers") >&2 || true

@@ -8,6 +8,7 @@
 
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "guia_json.hpp"
 #include "json_output.hpp"
 #include "line_batch_command.hpp"
 #include "nimbara/stored_guia_check.hpp"
@@ -24,13 +25,6 @@ struct CheckOptions {
     std::string file;
     bool json = false;
 };
-
-nlohmann::json verdict_of(const ValidationResult& result)
-{
-    nlohmann::json j = {{"passed", !result}};
-    if (result) j.update(error_json(*result));
-    return j;
-}
 
 // The services of a line as the batch writes them, codes joined by ","; the empty text is no list.
 ListArray split_services(std::string_view text)
@@ -51,14 +45,7 @@ int check_guia(const CheckOptions& o)
     if (!verdict) throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
     const int status = verdict->passed() ? 0 : 1;
     if (o.json) {
-        auto lines = nlohmann::json::array();
-        for (const auto& l : verdict->lines) {
-            nlohmann::json line = {{"N_Linha", l.N_Linha}};
-            line.update(verdict_of(l.result));
-            lines.push_back(std::move(line));
-        }
-        write_json(std::cout, nlohmann::ordered_json{{"N_Req", o.n_req}, {"status", status}, {"lines", lines},
-                                                     {"guia", verdict_of(verdict->guia)}});
+        write_json(std::cout, stored_verdict_json(o.n_req, *verdict));
     } else {
         for (const auto& l : verdict->lines) std::cout << batch_result_text(l.result) << '\n';
         std::cout << batch_result_text(verdict->guia) << '\n';

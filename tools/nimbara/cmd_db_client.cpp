@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "client_json.hpp"
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "delimited.hpp"
@@ -30,84 +31,6 @@ struct ClientOptions {
     std::int32_t cod = 0;
     bool json = false;
 };
-
-// Reads the keys of one object into the properties they name; a key of no property, or a value of
-// the wrong type, is refused with its place.
-class ObjectReader {
-public:
-    ObjectReader(const ordered_json& object, std::string place) : object_(object), place_(std::move(place))
-    {
-        if (!object.is_object()) throw CommandError(place_ + ": expected an object");
-    }
-    // A number given where text stands keeps its digits as written, however large.
-    void text(const char* key, std::string& into)
-    {
-        if (auto* v = take(key)) {
-            if (v->is_string()) into = v->get<std::string>();
-            else if (v->is_number_unsigned()) into = std::to_string(v->get<std::uint64_t>());
-            else if (v->is_number_integer()) into = std::to_string(v->get<std::int64_t>());
-            else throw CommandError(place_ + "/" + key + ": expected text");
-        }
-    }
-    // Read without a wrap: a number beyond 64 bits with a sign is never taken for a small one.
-    template <class T>
-    void number(const char* key, T& into)
-    {
-        if (auto* v = take(key)) {
-            const bool in_range =
-                v->is_number_unsigned()
-                    ? v->get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<T>::max())
-                    : v->is_number_integer() && v->get<std::int64_t>() >= std::numeric_limits<T>::min() &&
-                          v->get<std::int64_t>() <= std::numeric_limits<T>::max();
-            if (!in_range)
-                throw CommandError(place_ + "/" + key + ": expected a whole number from " +
-                                   std::to_string(std::numeric_limits<T>::min()) + " to " +
-                                   std::to_string(std::numeric_limits<T>::max()) + ", found " + v->dump());
-            into = static_cast<T>(v->get<std::int64_t>());
-        }
-    }
-    void yes_no(const char* key, bool& into)
-    {
-        if (auto* v = take(key)) {
-            if (!v->is_boolean()) throw CommandError(place_ + "/" + key + ": expected true or false");
-            into = v->get<bool>();
-        }
-    }
-    const ordered_json* take(const char* key)
-    {
-        if (!object_.contains(key)) return nullptr;
-        ++taken_;
-        return &object_[key];
-    }
-    // Every key must have been taken by now.
-    void done() const
-    {
-        if (taken_ == object_.size()) return;
-        for (const auto& [key, value] : object_.items())
-            if (!known(key)) throw CommandError(place_ + ": unknown key \"" + key + "\"");
-    }
-    void know(std::initializer_list<const char*> keys) { known_.assign(keys.begin(), keys.end()); }
-
-private:
-    bool known(const std::string& key) const
-    {
-        for (const auto& k : known_)
-            if (key == k) return true;
-        return false;
-    }
-    const ordered_json& object_;
-    std::string place_;
-    std::size_t taken_ = 0;
-    std::vector<std::string> known_;
-};
-
-// Client and contract numbers are whole numbers written in digits.
-void require_whole(const std::string& text, const std::string& place)
-{
-    const bool digits = !text.empty() && text.size() <= 9 &&
-                        text.find_first_not_of("0123456789") == std::string::npos;
-    if (!digits) throw CommandError(place + ": \"" + text + "\" is no whole number");
-}
 
 // The client file's text (standard input for "-"); a folder, an unreadable or an over-long file is refused by name.
 std::string read_client_file(const std::string& path)
@@ -151,47 +74,10 @@ int save(const ClientOptions& o)
         throw CommandError(source(o.file) + ": " + plain(e.what()));
     }
     const auto db = open_command_database(o.conn);
-    ObjectReader r(root, source(o.file) + ": ");
-    r.know({"vCod_Cliente", "vNome", "iTipoCliente", "vMorada", "vLocalidade", "vCodPostal", "vDesigPostal", "vNIF",
-            "vObservacoes", "iAcessoRede", "contratos"});
-    std::string cod;
-    r.text("vCod_Cliente", cod);
-    require_whole(cod, source(o.file) + ": /vCod_Cliente");
+    const std::string cod = client_number(root, source(o.file));
     // A key the file leaves out keeps what the stored client has.
     ClientFields c = load_client(db, static_cast<std::int32_t>(std::stol(cod))).value_or(ClientFields{});
-    c.vCod_Cliente = cod;
-    c.contratos.clear();
-    r.text("vNome", c.vNome);
-    r.number("iTipoCliente", c.iTipoCliente);
-    r.text("vMorada", c.vMorada);
-    r.text("vLocalidade", c.vLocalidade);
-    r.text("vCodPostal", c.vCodPostal);
-    r.text("vDesigPostal", c.vDesigPostal);
-    r.text("vNIF", c.vNIF);
-    r.text("vObservacoes", c.vObservacoes);
-    r.number("iAcessoRede", c.iAcessoRede);
-    if (const auto* list = r.take("contratos")) {
-        if (!list->is_array()) throw CommandError(source(o.file) + ": /contratos: expected a list");
-        for (std::size_t i = 0; i < list->size(); ++i) {
-            const std::string place = source(o.file) + ": /contratos/" + std::to_string(i);
-            ObjectReader cr((*list)[i], place);
-            cr.know({"vCodContrato", "vDesignacao", "vJppCredenciado", "vCodCredencial", "vValidacao", "vDescricao",
-                     "bActivo"});
-            if (!(*list)[i].contains("vCodContrato"))
-                throw CommandError(place + ": vCodContrato is missing: a contract needs its code");
-            ContractFields& k = c.contratos.emplace_back();
-            cr.text("vCodContrato", k.vCodContrato);
-            require_whole(k.vCodContrato, place + "/vCodContrato");
-            cr.text("vDesignacao", k.vDesignacao);
-            cr.yes_no("vJppCredenciado", k.vJppCredenciado);
-            cr.text("vCodCredencial", k.vCodCredencial);
-            cr.text("vValidacao", k.vValidacao);
-            cr.text("vDescricao", k.vDescricao);
-            cr.yes_no("bActivo", k.bActivo);
-            cr.done();
-        }
-    }
-    r.done();
+    read_client_json(root, source(o.file), c);
 
     std::int32_t id = 0;
     try {
@@ -209,28 +95,11 @@ int save(const ClientOptions& o)
     return 0;
 }
 
-cls_Cliente& find(cls_Cliente& c, std::int32_t cod)
-{
-    std::string number = std::to_string(cod);
-    if (!c.Busca_Cliente(number)) throw CommandError("no client " + number);
-    c.SelectMeByCod_Cliente(cod);
-    return c;
-}
-
 int show(const ClientOptions& o)
 {
     const auto c = load_client(open_command_database(o.conn), o.cod);
     if (!c) throw CommandError("no client " + std::to_string(o.cod));
-    ordered_json out = {{"vCod_Cliente", c->vCod_Cliente}, {"vNome", c->vNome}, {"iTipoCliente", c->iTipoCliente},
-                        {"vMorada", c->vMorada}, {"vLocalidade", c->vLocalidade}, {"vCodPostal", c->vCodPostal},
-                        {"vDesigPostal", c->vDesigPostal}, {"vNIF", c->vNIF}, {"vObservacoes", c->vObservacoes},
-                        {"iAcessoRede", c->iAcessoRede}};
-    out["contratos"] = ordered_json::array();
-    for (const auto& k : c->contratos)
-        out["contratos"].push_back({{"vCodContrato", k.vCodContrato}, {"vDesignacao", k.vDesignacao},
-                                    {"vJppCredenciado", k.vJppCredenciado}, {"vCodCredencial", k.vCodCredencial},
-                                    {"vValidacao", k.vValidacao}, {"vDescricao", k.vDescricao},
-                                    {"bActivo", k.bActivo}});
+    const ordered_json out = client_json(*c);
     write_json(std::cout, out);
     return 0;
 }
@@ -243,13 +112,7 @@ int list(const ClientOptions& o)
     const char* columns[] = {"Id_Cliente", "Cod_Cliente", "Nome", "iTipoCliente", "Morada", "Localidade",
                              "Cod_Postal", "Desig_Postal", "NContribuinte", "Observacoes", "IAcessoRede"};
     if (o.json) {
-        auto rows = ordered_json::array();
-        for (; !rs.IsEOF(); rs.MoveNext()) {
-            ordered_json row;
-            for (const char* column : columns) row[column] = json_value(rs[column]);
-            rows.push_back(std::move(row));
-        }
-        write_json(std::cout, ordered_json{{"status", 0}, {"clients", rows}});
+        write_json(std::cout, ordered_json{{"status", 0}, {"clients", client_rows(c.myConn)}});
         return 0;
     }
     for (std::size_t i = 0; i < std::size(columns); ++i) std::cout << (i ? "\t" : "") << columns[i];
@@ -266,41 +129,23 @@ int list(const ClientOptions& o)
     return 0;
 }
 
-// Says what went: the rows are counted in the delete's own transaction, so they are what it removed.
 int remove(const ClientOptions& o)
 {
-    const auto db = open_command_database(o.conn);
-    Transaction t(*db);
-    cls_Cliente c(db);
-    find(c, o.cod);
-    const FieldValue id = c.iId_Cliente;
-    const auto count = [&](const std::string& sql) { return db->open(sql, {id})[std::size_t{0}].integer(); };
-    constexpr const char* kOfClient = " WHERE N_Req IN (SELECT N_Req FROM Tbl_Cab WHERE Id_Cliente = ?)";
-    const std::int64_t contracts = count("SELECT COUNT(*) FROM Tbl_Contrato WHERE Id_Cliente = ?");
-    const std::int64_t lines = count(std::string("SELECT COUNT(*) FROM Tbl_Linha") + kOfClient);
-    const std::int64_t services = count(std::string("SELECT COUNT(*) FROM Tbl_Linha_ServicoEspecial") + kOfClient);
-    std::vector<std::int64_t> guias;
-    for (Recordset rs = db->open("SELECT N_Req FROM Tbl_Cab WHERE Id_Cliente = ? ORDER BY N_Req", {id}); !rs.IsEOF();
-         rs.MoveNext())
-        guias.push_back(rs[std::size_t{0}].integer());
-    c.DeleteRegs(std::to_string(c.iId_Cliente));
-    if (!c.LastError().empty()) throw CommandError("nothing was deleted: " + c.LastError());
-    t.commit();
+    const ordered_json deleted = delete_client(open_command_database(o.conn), o.cod, true);
     if (o.json) {
-        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db client delete"},
-                               {"status", 0},
-                               {"deleted", {{"cod_cliente", c.vCod_Cliente}, {"nome", c.vNome},
-                                            {"contracts", contracts}, {"guias", guias.size()}, {"n_req", guias},
-                                            {"lines", lines}, {"services", services}}}});
+        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db client delete"}, {"status", 0},
+                                                     {"deleted", deleted}});
         return 0;
     }
     const auto counted = [](std::int64_t n, const char* one, const char* many) {
         return std::to_string(n) + " " + (n == 1 ? one : many);
     };
-    std::cout << "deleted client " << c.vCod_Cliente << " \"" << c.vNome << "\" with "
-              << counted(contracts, "contract", "contracts") << ", "
-              << counted(static_cast<std::int64_t>(guias.size()), "Guia", "Guias") << ", "
-              << counted(lines, "line", "lines") << " and " << counted(services, "service", "services") << '\n';
+    std::cout << "deleted client " << deleted["cod_cliente"].get<std::string>() << " \""
+              << deleted["nome"].get<std::string>() << "\" with "
+              << counted(deleted["contracts"].get<std::int64_t>(), "contract", "contracts") << ", "
+              << counted(deleted["guias"].get<std::int64_t>(), "Guia", "Guias") << ", "
+              << counted(deleted["lines"].get<std::int64_t>(), "line", "lines") << " and "
+              << counted(deleted["services"].get<std::int64_t>(), "service", "services") << '\n';
     return 0;
 }
 

@@ -10,6 +10,7 @@
 #include "guia_listing.hpp"
 #include "json_output.hpp"
 #include "line_services.hpp"
+#include "export_table.hpp"
 #include "option_checks.hpp"
 
 namespace nimbara::cli {
@@ -50,58 +51,6 @@ int export_legacy(const ExportOptions& o, std::ostream& out)
     return 0;
 }
 
-// The listing's columns, then one column per service code holding that service's amount on the
-// line (empty when the line has no such service); JSON nests the services of each line instead.
-int export_table(const ExportOptions& o, std::ostream& out)
-{
-    const auto db = open_command_database(o.conn);
-    const LineServices services = read_line_services(*db);
-    cls_Guia guia(db);
-    const auto& columns = listing_columns();
-    const bool json = o.format == "json";
-    const TableFormat format = o.format == "tsv" ? TableFormat::Tsv : TableFormat::Csv;
-    std::vector<std::size_t> at;
-    std::vector<std::string> fields;
-    auto rows = nlohmann::ordered_json::array();
-    const std::vector<LineService> none;
-    stream_guia_lines(guia, o,
-                      {.columns =
-                           [&](std::span<const std::string> names) {
-                               at = listing_positions(names);
-                               if (json) return;
-                               fields = columns;
-                               for (const auto& code : services.codes) fields.push_back("ServEsp_" + code);
-                               write_record(out, format, fields);
-                           },
-                       .row = [&](std::span<FieldValue> values) {
-                           const auto found = services.of_line.find(
-                               {values[at[2]].integer(), values[at[4]].integer()});  // Req, N_linha
-                           const auto& line = found == services.of_line.end() ? none : found->second;
-                           if (json) {
-                               nlohmann::ordered_json row;
-                               for (std::size_t c = 0; c < columns.size(); ++c)
-                                   row[columns[c]] = json_value(values[at[c]]);
-                               row["servicos"] = nlohmann::ordered_json::array();
-                               for (const auto& s : line)
-                                   row["servicos"].push_back(
-                                       {{"CodServEsp", s.code}, {"Designacao", s.designation}, {"Valor", s.amount}});
-                               rows.push_back(std::move(row));
-                               return;
-                           }
-                           fields.clear();
-                           for (std::size_t c = 0; c < columns.size(); ++c) fields.push_back(values[at[c]].text());
-                           for (const auto& code : services.codes) {
-                               std::string amount;
-                               for (const auto& s : line)
-                                   if (s.code == code) amount = s.amount;
-                               fields.push_back(amount);
-                           }
-                           write_record(out, format, fields);
-                       }});
-    if (json) write_json(out, rows);
-    return 0;
-}
-
 int export_lines(const ExportOptions& o, bool json_flag, bool format_given)
 {
     if (json_flag && format_given && o.format != "json")
@@ -111,7 +60,7 @@ int export_lines(const ExportOptions& o, bool json_flag, bool format_given)
     if (chosen.sep && chosen.format != "legacy")
         throw CommandError("--sep belongs to --format legacy; csv is separated by commas and tsv by tabs");
     if (chosen.format == "legacy") return export_legacy(chosen, std::cout);
-    return export_table(chosen, std::cout);
+    return export_table(open_command_database(chosen.conn), chosen, chosen.format, std::cout);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "commands.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
+#include "guia_json.hpp"
 #include "json_output.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
@@ -21,11 +22,6 @@ struct GuiaOptions {
     bool json = false;
 };
 
-std::int64_t count_of(Database& db, const char* sql, std::int32_t n_req)
-{
-    return db.open(sql, {n_req})[std::size_t{0}].integer();
-}
-
 int save(const GuiaOptions& o)
 {
     const GuiaFile file = read_guia_input(o.file);
@@ -33,21 +29,11 @@ int save(const GuiaOptions& o)
     const SavedGuia saved = save_guia_file(db, file, o.file == "-" ? "<stdin>" : o.file);
     if (!o.json) std::cout << saved.N_Req << '\t' << saved.N_Req2 << '\t' << saved.Id_Req_Anual << '\n';
     // Stored all the same: the site learns now rather than at the counter.
-    cls_Impressao printer(db);
-    printer.set_log_path(default_print_log());
-    auto warnings = nlohmann::ordered_json::array();
-    for (const auto& p : printer.PrintProblems(saved.N_Req)) {
+    const auto problems = stored_print_problems(db, saved.N_Req);
+    for (const auto& p : problems)
         std::cerr << "nimbara db save: warning: Guia " << saved.N_Req << " will not print by the database edition: "
                   << p.place << ": " << p.what << '\n';
-        warnings.push_back({{"place", p.place}, {"what", p.what}});
-    }
-    if (o.json)
-        write_json(std::cout, nlohmann::ordered_json{{"input", o.file},
-                                                     {"status", 0},
-                                                     {"N_Req", saved.N_Req},
-                                                     {"N_Req2", saved.N_Req2},
-                                                     {"Id_Req_Anual", saved.Id_Req_Anual},
-                                                     {"not_printable", warnings}});
+    if (o.json) write_json(std::cout, saved_guia_json(o.file, saved, problems));
     return 0;
 }
 
@@ -57,30 +43,15 @@ int show(const GuiaOptions& o)
     return 0;
 }
 
-// Says what went: the counts are read in the delete's own transaction, so they are what it removed.
 int remove(const GuiaOptions& o)
 {
-    const auto db = open_command_database(o.conn);
-    Transaction t(*db);
-    const Recordset head = db->open("SELECT Tbl_Cab.Cod_Cliente, Tbl_Cliente.Nome FROM Tbl_Cab LEFT JOIN Tbl_Cliente "
-                                    "ON Tbl_Cliente.Id_Cliente = Tbl_Cab.Id_Cliente WHERE Tbl_Cab.N_Req = ?",
-                                    {o.n_req});
-    if (head.RecordCount() == 0) throw CommandError("no Guia with N_Req " + std::to_string(o.n_req));
-    const std::string client = head[std::size_t{0}].text(), name = head[std::size_t{1}].text();
-    const std::int64_t lines = count_of(*db, "SELECT COUNT(*) FROM Tbl_Linha WHERE N_Req = ?", o.n_req);
-    const std::int64_t services = count_of(*db, "SELECT COUNT(*) FROM Tbl_Linha_ServicoEspecial WHERE N_Req = ?", o.n_req);
-    cls_Guia_Cabecalho g(db);
-    g.vNReq = o.n_req;
-    g.DoDelete();
-    if (!g.LastError().empty()) throw CommandError("nothing was deleted: " + g.LastError());
-    t.commit();
+    const auto deleted = delete_guia(open_command_database(o.conn), o.n_req, true);
     if (o.json) {
-        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db delete"},
-                               {"status", 0},
-                               {"deleted", {{"n_req", o.n_req}, {"cod_cliente", client}, {"nome", name},
-                                            {"lines", lines}, {"services", services}}}});
+        write_json(std::cout, nlohmann::ordered_json{{"command", "nimbara db delete"}, {"status", 0}, {"deleted", deleted}});
     } else {
-        std::cout << "deleted Guia " << o.n_req << " of client " << client << " \"" << name << "\" with " << lines
+        const auto lines = deleted["lines"].get<std::int64_t>(), services = deleted["services"].get<std::int64_t>();
+        std::cout << "deleted Guia " << o.n_req << " of client " << deleted["cod_cliente"].get<std::string>() << " \""
+                  << deleted["nome"].get<std::string>() << "\" with " << lines
                   << (lines == 1 ? " line and " : " lines and ") << services
                   << (services == 1 ? " service\n" : " services\n");
     }

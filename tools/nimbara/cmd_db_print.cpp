@@ -12,6 +12,7 @@
 #include "option_checks.hpp"
 #include "db_command.hpp"
 #include "guia_command.hpp"
+#include "stored_print.hpp"
 #include "nimbara/FormImpressao.hpp"
 #include "nimbara/cls_Guia_Cabecalho.hpp"
 #include "nimbara/cls_Impressao.hpp"
@@ -45,9 +46,6 @@ std::string refusal(std::int32_t n_req, const std::vector<PrintProblem>& problem
     for (const auto& p : problems) text += "\n  " + p.place + ": " + p.what;
     return text;
 }
-
-// Margins are kept in twips, checked as whole numbers before printing; the page works in millimetres.
-double margin_mm(const std::string& twips) { return std::stoi(twips) / kTwipsPerMm; }
 
 // The run's files go when a copy did not come out whole: a partial Guia is no printed Guia.
 void keep_only_whole(std::int32_t n_req, const std::vector<fs::path>& written, std::size_t copies,
@@ -140,30 +138,16 @@ int print_guia(const PrintOptions& o)
     }
     if (o.edition == "array") return print_as_array(o, db);
 
-    cls_Impressao printer(db);
-    printer.set_log_path(o.print_log ? fs::path(*o.print_log) : default_print_log());
-    // Whatever would stop the page is named before anything is drawn.
-    if (const auto problems = printer.PrintProblems(o.n_req); !problems.empty())
-        throw CommandError(refusal(o.n_req, problems));
-
-    cls_Guia_Cabecalho guia(db);
-    guia.SelectMe(o.n_req);
-    const std::string date = guia.vDReq.text().substr(0, 10);
-    // The document number the form shows, as the Guia's file would carry it.
-    const std::string NDoc = date.substr(0, 4) + "/" + std::to_string(guia.vNIDReqAnual);
-    const cls_Parametro parametros(db);
-    const std::int32_t vias = std::stoi(parametros.vGuiaNVias);
-    const double top = margin_mm(parametros.vGuiaMargensTopo);
-    const double left = margin_mm(parametros.vGuiaMargensEsquerda);
-
+    const fs::path log = o.print_log ? fs::path(*o.print_log) : default_print_log();
+    const StoredGuiaPrint guia = prepare_stored_print(db, o.n_req, log);
     std::unique_ptr<QueuePrinter> queue;
     std::shared_ptr<PdfSurface> surface;
     if (o.queue) {
-        queue = queue_printer(o, NDoc);
+        queue = queue_printer(o, guia.NDoc);
         surface = queue->surface();
     } else {
         const fs::path folder = output_folder(o.out_dir);
-        surface = make_pdf_printer(folder, NDoc);
+        surface = make_pdf_printer(folder, guia.NDoc);
         // An output place that cannot be written is known before anything is drawn.
         try {
             surface->StartDoc();
@@ -174,18 +158,16 @@ int print_guia(const PrintOptions& o)
     }
     surface->setOrientation(printer::kLandscape);
     surface->setPaperSize(printer::kPaperA4);
-
-    std::int32_t DuplOrig = 0;
-    for (std::int32_t via = 1; via <= vias; ++via, ++DuplOrig)
-        printer.Imprime_Parte_Variavel("", o.n_req, 0, *surface, form_impressao(), top, left, DuplOrig, date, NDoc);
+    const auto faults = print_stored_copies(db, guia, *surface, log);
 
     // The page routines log their faults and go on; a copy with a fault is not a printed Guia, and
     // none of this run's files (or jobs) stays behind it.
+    const auto copies = static_cast<std::size_t>(guia.copies);
     if (queue) {
-        keep_only_whole_jobs(o.n_req, *queue, static_cast<std::size_t>(vias), printer.log_entries(), o.quiet);
+        keep_only_whole_jobs(o.n_req, *queue, copies, faults, o.quiet);
         return 0;
     }
-    keep_only_whole(o.n_req, surface->written(), static_cast<std::size_t>(vias), printer.log_entries());
+    keep_only_whole(o.n_req, surface->written(), copies, faults);
     if (!o.quiet)
         for (const auto& pdf : surface->written()) std::cerr << "nimbara db print: printed " << pdf.string() << '\n';
     return 0;

@@ -23,6 +23,8 @@ void register_db_client(CLI::App& db, int& status);
 void register_db_check(CLI::App& db, int& status);
 void register_db_print(CLI::App& db, int& status);
 void register_db_where(CLI::App& db, int& status);
+void register_users(CLI::App& app, int& status);
+void register_serve(CLI::App& app, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
@@ -34,6 +36,8 @@ inline void register_commands(CLI::App& app, int& status)
     register_printers(app, status);
     register_codes(app, status);
     register_db(app, status);
+    register_serve(app, status);
+    register_users(app, status);
 }
 
 }  // namespace nimbara::cli

@@ -19,6 +19,22 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// What the command was asked about is not stored (no such Guia, client or contract).
+class NotFoundError : public CommandError {
+public:
+    using CommandError::CommandError;
+};
+
+// A refused value of an input document, with its place in it (a JSON pointer such as /contratos/1/bActivo).
+class FieldError : public CommandError {
+public:
+    FieldError(const std::string& message, std::string field) : CommandError(message), field_(std::move(field)) {}
+    const std::string& field() const { return field_; }
+
+private:
+    std::string field_;
+};
+
 // Adds --db to a db command; the string stays empty when the option is not given.
 void add_db_option(CLI::App& cmd, std::string& conn);
 

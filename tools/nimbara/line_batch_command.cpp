@@ -12,24 +12,6 @@
 #include "verdict_json.hpp"
 
 namespace nimbara::cli {
-namespace {
-
-nlohmann::json result_json(const BatchLineResult& r)
-{
-    nlohmann::json j = {{"line", r.line}};
-    if (r.refused) {
-        j["refused"] = *r.refused;
-        return j;
-    }
-    j["passed"] = !r.result;
-    if (r.result) {
-        j.update(error_json(*r.result));
-        j["possible_values"] = possible_values_json(r.possible_values, r.weight_steps);
-    }
-    return j;
-}
-
-}  // namespace
 
 int run_line_batch(const std::string& command, const std::string& file, const BatchJudge* judge, bool json)
 {
@@ -55,7 +37,7 @@ int run_line_batch(const std::string& command, const std::string& file, const Ba
     if (json) {
         // The whole batch is one document: its results are gathered and written at the end.
         auto results = nlohmann::json::array();
-        const BatchResultSink sink = [&results](const BatchLineResult& r) { results.push_back(result_json(r)); };
+        const BatchResultSink sink = [&results](const BatchLineResult& r) { results.push_back(batch_result_json(r)); };
         const BatchSummary summary = check_line_batch(*in, sink, std::cerr, source, judge);
         const int status = summary.refused > 0 || summary.read_failed ? 2 : 0;
         nlohmann::json document = {{"input", file.empty() ? "-" : file}, {"status", status}, {"results", results}};

@@ -22,4 +22,19 @@ nlohmann::json possible_values_json(const std::vector<PossibleValue>& values, bo
     return rows;
 }
 
+nlohmann::json batch_result_json(const BatchLineResult& r)
+{
+    nlohmann::json j = {{"line", r.line}};
+    if (r.refused) {
+        j["refused"] = *r.refused;
+        return j;
+    }
+    j["passed"] = !r.result;
+    if (r.result) {
+        j.update(error_json(*r.result));
+        j["possible_values"] = possible_values_json(r.possible_values, r.weight_steps);
+    }
+    return j;
+}
+
 }  // namespace nimbara::cli

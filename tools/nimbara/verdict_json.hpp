@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "nimbara/error_array.hpp"
+#include "nimbara/line_batch.hpp"
 #include "nimbara/possible_value.hpp"
 
 namespace nimbara::cli {
@@ -14,5 +15,9 @@ nlohmann::json error_json(const ErrorArray& error);
 
 // [{"code", "designation"}...], or [{"minimum", "maximum"}...] for weight steps.
 nlohmann::json possible_values_json(const std::vector<PossibleValue>& values, bool weight_steps);
+
+// One row of a line batch: {"line", "passed", "number", "description", "possible_values"}, or
+// {"line", "refused"} for a row that could not be judged.
+nlohmann::json batch_result_json(const BatchLineResult& r);
 
 }  // namespace nimbara::cli

@@ -1,0 +1,1 @@
+document.getElementById("app").textContent = "Guias: a página de ensaio do servidor";
