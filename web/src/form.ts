@@ -112,12 +112,9 @@ export async function formPage(main: HTMLElement): Promise<void> {
     return { line: emptyLine(), verdict: null, checkedAs: '' };
   }
 
-  let draftTimer = 0;
+  // Written at every change (a small JSON text), so that a reload or a closed tab loses nothing.
   function saveDraft(): void {
-    window.clearTimeout(draftTimer);
-    draftTimer = window.setTimeout(() => {
-      localStorage.setItem(DRAFT_KEY, JSON.stringify({ header: state.header, lines: state.rows.map((r) => r.line) }));
-    }, 200);
+    localStorage.setItem(DRAFT_KEY, JSON.stringify({ header: state.header, lines: state.rows.map((r) => r.line) }));
   }
 
   // ---- the header ----
@@ -245,6 +242,8 @@ export async function formPage(main: HTMLElement): Promise<void> {
           if (column !== 'refClie') void offerValues(row, column, input);
         });
         input.addEventListener('focus', () => {
+          // As in a spreadsheet, a cell entered is selected whole, so typing replaces it.
+          input.select();
           focused = { row, column, input };
           tbody.querySelectorAll('tr.current').forEach((r) => r.classList.remove('current'));
           tr.classList.add('current');
@@ -332,6 +331,9 @@ export async function formPage(main: HTMLElement): Promise<void> {
   let offerToken = 0;
   async function offerValues(row: Row, column: LineColumn, input: HTMLInputElement): Promise<void> {
     const token = ++offerToken;
+    // The previous field's values must not be offered here while this field's are asked for.
+    clear(values);
+    input.removeAttribute('list');
     let list: PossibleValue[] = [];
     if (ASKED.has(column) && (column === 'B_Produto' || row.line.B_Produto)) {
       // The procedures answer given what the line holds so far (a weight only when it is a number).
@@ -368,7 +370,7 @@ export async function formPage(main: HTMLElement): Promise<void> {
       helpList.append(h('li', {}, pick));
       if (v.code) values.append(h('option', { value: v.code }, v.designation ?? ''));
     }
-    input.setAttribute('list', 'accepted-values');
+    if (values.childElementCount > 0) input.setAttribute('list', 'accepted-values');
   }
 
   const catalogue = new Map<string, Promise<unknown>>();

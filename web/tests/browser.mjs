@@ -143,7 +143,6 @@ async function clerkRound(page, base) {
   await cell(page, 0, 'B_Produto').focus();
   await page.keyboard.press('Tab');
   await page.keyboard.press('Tab');
-  await page.keyboard.press('Control+a');
   await page.keyboard.type('100');
   await page.keyboard.press('ArrowDown'); // to the spare line the Ctrl+Enter made
   await page.locator('tr.accepted').first().waitFor({ timeout: 10000 });

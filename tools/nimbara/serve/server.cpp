@@ -14,13 +14,15 @@ namespace {
 
 constexpr std::string_view kApiPrefix = "/api/v1";
 
-// Every answer, page or API: nothing from elsewhere, no inline script, no framing, no sniffing.
+// Every answer, page or API: nothing from elsewhere, no inline script, no framing by another site,
+// no sniffing. The pages frame the Guia's PDF (same origin) and the settings' preview (a blob).
 const std::pair<const char*, const char*> kSecurityHeaders[] = {
     {"Content-Security-Policy",
-     "default-src 'self'; base-uri 'none'; form-action 'self'; frame-ancestors 'none'; object-src 'none'"},
+     "default-src 'self'; base-uri 'none'; form-action 'self'; frame-ancestors 'self'; frame-src 'self' blob:; "
+     "object-src 'none'"},
     {"X-Content-Type-Options", "nosniff"},
     {"Referrer-Policy", "no-referrer"},
-    {"X-Frame-Options", "DENY"},
+    {"X-Frame-Options", "SAMEORIGIN"},
 };
 
 int hex_value(char c)
