@@ -6,10 +6,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <condition_variable>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <mutex>
 #include <sstream>
+#include <thread>
+#include <utility>
 
 namespace nimbara::serve {
 namespace {
@@ -71,6 +75,58 @@ void send(mg_connection* conn, const HttpResponse& response)
     if (!response.body.empty()) mg_write(conn, response.body.data(), response.body.size());
 }
 
+// Debian's build of the library gives its worker threads 100 KiB stacks, too small for the printing
+// and validation under a handler (the PDF417 encoder alone overflows it), so each worker hands its
+// requests to a thread of its own with the system's default stack and waits for the answer.
+class DeepStack {
+public:
+    DeepStack() : thread_([this] { run(); }) {}
+    ~DeepStack()
+    {
+        {
+            const std::lock_guard lock(mutex_);
+            stop_ = true;
+        }
+        wake_.notify_all();
+        thread_.join();
+    }
+    DeepStack(const DeepStack&) = delete;
+    DeepStack& operator=(const DeepStack&) = delete;
+
+    // Runs `work` on the deep thread; `work` must not throw.
+    void call(const std::function<void()>& work)
+    {
+        std::unique_lock lock(mutex_);
+        work_ = &work;
+        done_ = false;
+        wake_.notify_all();
+        wake_.wait(lock, [this] { return done_; });
+    }
+
+private:
+    void run()
+    {
+        std::unique_lock lock(mutex_);
+        for (;;) {
+            wake_.wait(lock, [this] { return stop_ || work_ != nullptr; });
+            if (stop_) return;
+            const auto* work = std::exchange(work_, nullptr);
+            lock.unlock();
+            (*work)();
+            lock.lock();
+            done_ = true;
+            wake_.notify_all();
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    const std::function<void()>* work_ = nullptr;
+    bool done_ = false;
+    bool stop_ = false;
+    std::thread thread_;  // last, so that it starts after what it reads
+};
+
 }  // namespace
 
 struct HttpServer::State {
@@ -112,12 +168,17 @@ int serve_request(mg_connection* conn)
         }
     }
     HttpResponse response;
-    try {
-        response = state.handler(request);
-    } catch (const std::exception& e) {
-        std::cerr << "nimbara serve: " << request.method << " " << request.path << ": " << e.what() << "\n";
-        response = {500, {{"Content-Type", "application/json"}}, R"({"status":500,"error":"internal error"})"};
-    }
+    thread_local DeepStack deep;
+    deep.call([&] {
+        try {
+            response = state.handler(request);
+        } catch (const std::exception& e) {
+            std::cerr << "nimbara serve: " << request.method << " " << request.path << ": " << e.what() << "\n";
+            response = {500, {{"Content-Type", "application/json"}}, R"({"status":500,"error":"internal error"})"};
+        } catch (...) {
+            response = {500, {{"Content-Type", "application/json"}}, R"({"status":500,"error":"internal error"})"};
+        }
+    });
     // What is left of a refused body would be read as the next request: the connection ends instead.
     if (request.body_too_large) response.headers.emplace_back("Connection", "close");
     send(conn, response);
