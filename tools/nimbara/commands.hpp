@@ -9,6 +9,7 @@ void register_check_lines(CLI::App& app, int& status);
 void register_print(CLI::App& app, int& status);
 void register_check(CLI::App& app, int& status);
 void register_form(CLI::App& app, int& status);
+void register_read(CLI::App& app, int& status);
 void register_codes(CLI::App& app, int& status);
 void register_db(CLI::App& app, int& status);
 void register_db_init(CLI::App& db, int& status);
@@ -22,6 +23,7 @@ void register_db_client(CLI::App& db, int& status);
 void register_db_check(CLI::App& db, int& status);
 void register_db_print(CLI::App& db, int& status);
 void register_db_where(CLI::App& db, int& status);
+void register_db_receive(CLI::App& db, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
@@ -30,6 +32,7 @@ inline void register_commands(CLI::App& app, int& status)
     register_print(app, status);
     register_check(app, status);
     register_form(app, status);
+    register_read(app, status);
     register_codes(app, status);
     register_db(app, status);
 }
