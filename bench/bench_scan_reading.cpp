@@ -31,6 +31,7 @@ bool found(const std::vector<std::string>& symbols, const std::string& payload)
 
 int main(int argc, char** argv)
 {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // each resolution's figures as soon as they are known
     const int random = argc > 1 ? std::atoi(argv[1]) : 12;
     const auto log = std::filesystem::temp_directory_path() / ("nimbara-bench-scan-" + std::to_string(::getpid()) + ".log");
     auto guias = testing::example_guias();

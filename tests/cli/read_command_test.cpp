@@ -65,14 +65,18 @@ TEST(ReadCommand, APrintedGuiaReadsBackWithItsVerdicts)
     for (std::size_t i = 0; i < guia.produtos.size(); ++i) {
         EXPECT_EQ(g["produtos"][i]["B_Produto"], guia.produtos[i].B_Produto);
         EXPECT_EQ(g["produtos"][i]["Escalao"], guia.produtos[i].Escalao);
-        EXPECT_EQ(g["produtos"][i]["ListaServesp"], guia.produtos[i].ListaServesp);
         EXPECT_EQ(g["produtos"][i]["verdict"]["passed"], true) << g["produtos"][i];
+    }
+    ASSERT_EQ(g["servicos"].size(), guia.servicos.size());
+    for (std::size_t i = 0; i < guia.servicos.size(); ++i) {
+        EXPECT_EQ(g["servicos"][i]["N_Linha"], guia.servicos[i].N_Linha);
+        EXPECT_EQ(g["servicos"][i]["CodServEsp"], guia.servicos[i].CodServEsp);
     }
     EXPECT_NE(r.err.find("every line passes"), std::string::npos) << r.err;
 
     // The same page from standard input, as a PNG.
     const auto png = png_of(pdf, 1, folder.path() / "page");
-    r = run("read - < " + png.string());
+    r = run("read -", nimbara::testing::read_file(png));
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(document_of(r)["guias"][0]["produtos"], g["produtos"]);
 }

@@ -64,22 +64,22 @@ std::string tiff_of(const std::vector<GrayImage>& pages)
 // Every way of spoiling a page at 200 and 300 dpi, over a few Guias; each page must still be read.
 TEST(ScanReading, EverySpoiltPageOfTheQuickSlice)
 {
-    const testing::TempFolder folder("scan-slice");
-    std::vector<testing::NamedGuia> guias = testing::example_guias();
+    const nimbara::testing::TempFolder folder("scan-slice");
+    std::vector<nimbara::testing::NamedGuia> guias = nimbara::testing::example_guias();
     guias.resize(std::min<std::size_t>(guias.size(), 2));
-    for (auto& g : testing::random_guias(1, 11)) guias.push_back(std::move(g));
+    for (auto& g : nimbara::testing::random_guias(1, 11)) guias.push_back(std::move(g));
     std::uint32_t seed = 1;
     for (const double dpi : {200.0, 300.0}) {
         std::size_t turn = 0;
         for (const auto& g : guias) {
-            const auto payloads = testing::page_payloads(g.arrays, Edition::Array);
-            const auto pages = testing::rendered_pages(g.arrays, dpi, folder.path() / "print.log");
+            const auto payloads = nimbara::testing::page_payloads(g.arrays, Edition::Array);
+            const auto pages = nimbara::testing::rendered_pages(g.arrays, dpi, folder.path() / "print.log");
             ASSERT_EQ(pages.size(), payloads.size()) << g.name;
             // The spoilings take turns over the pages, so that each page meets some and each meets all pages.
-            const auto spoilings = testing::spoilings();
+            const auto spoilings = nimbara::testing::spoilings();
             for (std::size_t k = 0; k < spoilings.size(); ++k, ++turn) {
                 const std::size_t page = turn % pages.size();
-                const auto found = read_symbols(testing::spoilt(pages[page], spoilings[k], seed++));
+                const auto found = read_symbols(nimbara::testing::spoilt(pages[page], spoilings[k], seed++));
                 EXPECT_TRUE(holds(found, payloads[page]))
                     << g.name << " page " << page + 1 << " at " << dpi << " dpi, " << spoilings[k].name;
             }
@@ -89,26 +89,26 @@ TEST(ScanReading, EverySpoiltPageOfTheQuickSlice)
 
 TEST(ScanReading, EachFileFormat)
 {
-    const testing::TempFolder folder("scan-formats");
+    const nimbara::testing::TempFolder folder("scan-formats");
     // A Guia of two pages.
-    auto guia = testing::sample_guia();
-    for (int i = 0; i < 16; ++i) testing::add_line(guia);
-    const auto payloads = testing::page_payloads(guia, Edition::Array);
+    auto guia = nimbara::testing::sample_guia();
+    for (int i = 0; i < 16; ++i) nimbara::testing::add_line(guia);
+    const auto payloads = nimbara::testing::page_payloads(guia, Edition::Array);
     ASSERT_EQ(payloads.size(), 2u);
-    const std::string pdf = testing::printed_pdf(guia, folder.path() / "print.log");
+    const std::string pdf = nimbara::testing::printed_pdf(guia, folder.path() / "print.log");
     const auto pdf_file = folder.path() / "guia.pdf";
     { std::ofstream(pdf_file, std::ios::binary) << pdf; }
 
     struct Case { std::string name; std::string bytes; std::vector<std::string> where; };
     std::vector<Case> cases;
     cases.push_back({"pdf", pdf, {"guia.pdf:1", "guia.pdf:2"}});
-    cases.push_back({"tiff", tiff_of(testing::rendered_pages(guia, 200, folder.path() / "print.log")), {"t:1", "t:2"}});
+    cases.push_back({"tiff", tiff_of(nimbara::testing::rendered_pages(guia, 200, folder.path() / "print.log")), {"t:1", "t:2"}});
     for (const char* format : {"png", "jpeg"}) {
         const std::string out = (folder.path() / format).string();
         const std::string cmd = std::string("pdftoppm -r 200 -gray -f 2 -l 2 -singlefile -") + format + " " +
                                 pdf_file.string() + " " + out;
         ASSERT_EQ(std::system(cmd.c_str()), 0) << cmd;
-        cases.push_back({format, testing::read_file(out + (format == std::string("png") ? ".png" : ".jpg")), {format}});
+        cases.push_back({format, nimbara::testing::read_file(out + (format == std::string("png") ? ".png" : ".jpg")), {format}});
     }
     for (const auto& c : cases) {
         const std::string name = c.name == "pdf" ? "guia.pdf" : c.name == "tiff" ? "t" : c.name;

@@ -15,6 +15,9 @@ namespace {
 template <class Use>
 void print_copy(const GuiaArrays& guia, const std::filesystem::path& log, PdfSurface& surface, Use use)
 {
+    // As the print drive sets the job up: A4 landscape, the symbol in the top right corner.
+    surface.setOrientation(printer::kLandscape);
+    surface.setPaperSize(printer::kPaperA4);
     cls_ImpressaoA printer;
     printer.set_log_path(log);
     printer.arrays = guia;
