@@ -124,7 +124,7 @@ GrayImage skewed(const GrayImage& image, double degrees)
 GrayImage blurred(const GrayImage& image, int radius)
 {
     if (radius <= 0) return image;
-    return box_pass(box_pass(box_pass(box_pass(image, radius, false), radius, true), radius, false), radius, true);
+    return box_pass(box_pass(image, radius, false), radius, true);
 }
 
 GrayImage speckled(const GrayImage& image, int strength, std::uint32_t seed)

@@ -24,7 +24,7 @@ GrayImage turned(const GrayImage& image, int quarters);
 // Turned by a small angle about the centre, paper white where nothing was; bilinear.
 GrayImage skewed(const GrayImage& image, double degrees);
 
-// A box blur of the given radius in pixels, run twice (close to a Gaussian).
+// A box blur of the given radius in pixels, along the rows and then the columns.
 GrayImage blurred(const GrayImage& image, int radius);
 
 // Grey noise of the given strength (0 to 255), the same for the same seed.

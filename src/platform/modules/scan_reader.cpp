@@ -1,6 +1,7 @@
 // The module "scan": PNG through libpng, JPEG through libjpeg, TIFF through libtiff, PDF through
 // poppler, and the PDF417 symbols through zxing-cpp.
 #include <algorithm>
+#include <cmath>
 #include <csetjmp>
 #include <cstdarg>
 #include <cstdio>
@@ -222,6 +223,27 @@ std::vector<std::string> decode(const GrayImage& image, const ZXing::DecodeHints
     return found;
 }
 
+// The page turned by a small angle about its centre (nearest pixel, paper white outside): a wide
+// symbol skewed by a degree or more drifts across its rows, which the decoder does not follow.
+GrayImage straightened(const GrayImage& image, double degrees)
+{
+    GrayImage out = blank(image.width, image.height);
+    std::fill(out.pixels.begin(), out.pixels.end(), std::uint8_t{255});
+    const double a = degrees * 3.14159265358979323846 / 180, c = std::cos(a), s = std::sin(a);
+    const double cx = image.width / 2.0, cy = image.height / 2.0;
+    for (int y = 0; y < image.height; ++y) {
+        // Along a row the source moves by (c, -s) a pixel: no trigonometry inside the loop.
+        double sx = c * (0 - cx) + s * (y - cy) + cx, sy = -s * (0 - cx) + c * (y - cy) + cy;
+        std::uint8_t* row = out.pixels.data() + static_cast<std::size_t>(y) * image.width;
+        for (int x = 0; x < image.width; ++x, sx += c, sy -= s) {
+            const int ix = static_cast<int>(sx + 0.5), iy = static_cast<int>(sy + 0.5);
+            if (ix >= 0 && iy >= 0 && ix < image.width && iy < image.height)
+                row[x] = image.pixels[static_cast<std::size_t>(iy) * image.width + ix];
+        }
+    }
+    return out;
+}
+
 class Reader final : public ScanReader {
 public:
     std::vector<GrayImage> images(std::string_view bytes, double pdf_dpi) override
@@ -237,18 +259,28 @@ public:
     std::vector<std::string> symbols(const GrayImage& image) override
     {
         if (image.width <= 0 || image.height <= 0) return {};
+        const auto hints = [](bool harder) {
+            return ZXing::DecodeHints()
+                .setFormats(ZXing::BarcodeFormat::PDF417)
+                .setTryHarder(harder)
+                .setTryRotate(harder)
+                .setTryDownscale(harder);
+        };
         // The quick look: upright or upside down, the page as it is.
-        auto found = decode(image, ZXing::DecodeHints()
-                                       .setFormats(ZXing::BarcodeFormat::PDF417)
-                                       .setTryHarder(false)
-                                       .setTryRotate(false)
-                                       .setTryDownscale(false));
+        auto found = decode(image, hints(false));
         if (!found.empty()) return found;
-        return decode(image, ZXing::DecodeHints()
-                                 .setFormats(ZXing::BarcodeFormat::PDF417)
-                                 .setTryHarder(true)
-                                 .setTryRotate(true)
-                                 .setTryDownscale(true));
+        // A page turned by a quarter, or hard to binarise.
+        found = decode(image, hints(true));
+        if (!found.empty()) return found;
+        // A page skewed on the scanner's glass: straightened by the likely angles, nearest first.
+        for (const double degrees : {1.5, -1.5, 3.0, -3.0}) {
+            auto straight = decode(straightened(image, degrees), ZXing::DecodeHints()
+                                                                     .setFormats(ZXing::BarcodeFormat::PDF417)
+                                                                     .setTryHarder(false)
+                                                                     .setTryRotate(true));
+            if (!straight.empty()) return straight;
+        }
+        return {};
     }
 };
 
