@@ -26,7 +26,7 @@ const char* const kCommands[] = {
     "document", "check-lines", "print", "check", "form", "codes", "db", "db init", "db where", "db refs", "db params",
     "db params set", "db import", "db list", "db export", "db save", "db show", "db delete", "db client",
     "db client save", "db client show", "db client list", "db client delete", "db check", "db check-lines",
-    "db print", "printers", "serve", "users", "users add", "users list", "users remove"};
+    "db print", "db receive", "printers", "read", "serve", "users", "users add", "users list", "users remove"};
 
 }  // namespace
 

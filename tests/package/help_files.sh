@@ -53,7 +53,7 @@ nimbara check --rep|--report --report-dir
 nimbara check --report |always errors never 
 nimbara form --edition |array database 
 nimbara check guia-|guia-one.json guia-two.json 
-nimbara db help |check check-lines client delete export import init list params print refs save show where 
+nimbara db help |check check-lines client delete export import init list params print receive refs save show where 
 nimbara help db cli|client 
 nimbara document getXML_DoValP|getXML_DoValPeso getXML_DoValPreTratamento 
 nimbara serve --l|--listen 

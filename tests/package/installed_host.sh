@@ -43,10 +43,10 @@ fi
 
 # The heavy libraries are the modules' alone; the hosts below draw a preview through the cairo module.
 for binary in "$lib" "$prefix/bin/nimbara"; do
-  heavy=$(objdump -p "$binary" | awk '/NEEDED/ {print $2}' | grep -E 'libpq|cairo|pango|fontconfig|libmdb|glib' || true)
+  heavy=$(objdump -p "$binary" | awk '/NEEDED/ {print $2}' | grep -E 'libpq|cairo|pango|fontconfig|libmdb|glib|libcups|poppler|ZXing|libpng|libjpeg|libtiff' || true)
   [[ -z $heavy ]] || { echo "$binary links libraries left to the modules:" >&2; echo "$heavy" >&2; exit 1; }
 done
-for name in cairo postgresql jet; do
+for name in cairo postgresql jet cups scan; do
   module=$(dirname "$lib")/nimbara/libnimbara-$name.so.5.3.15
   [[ -f $module ]] || { echo "the module $name is not installed" >&2; exit 1; }
   exported=$(nm -D --defined-only "$module" | awk '$2 ~ /^[TWBDVRiu]$/ {print $3}')

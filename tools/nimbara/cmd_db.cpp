@@ -22,6 +22,7 @@ void register_db(CLI::App& app, int& status)
     register_db_check(*db, status);
     register_db_print(*db, status);
     register_db_where(*db, status);
+    register_db_receive(*db, status);
 }
 
 }  // namespace nimbara::cli

@@ -10,6 +10,7 @@ void register_print(CLI::App& app, int& status);
 void register_check(CLI::App& app, int& status);
 void register_form(CLI::App& app, int& status);
 void register_printers(CLI::App& app, int& status);
+void register_read(CLI::App& app, int& status);
 void register_codes(CLI::App& app, int& status);
 void register_db(CLI::App& app, int& status);
 void register_db_init(CLI::App& db, int& status);
@@ -25,6 +26,7 @@ void register_db_print(CLI::App& db, int& status);
 void register_db_where(CLI::App& db, int& status);
 void register_users(CLI::App& app, int& status);
 void register_serve(CLI::App& app, int& status);
+void register_db_receive(CLI::App& db, int& status);
 
 inline void register_commands(CLI::App& app, int& status)
 {
@@ -34,6 +36,7 @@ inline void register_commands(CLI::App& app, int& status)
     register_check(app, status);
     register_form(app, status);
     register_printers(app, status);
+    register_read(app, status);
     register_codes(app, status);
     register_db(app, status);
     register_serve(app, status);
