@@ -31,7 +31,7 @@ export function describe(value: unknown): Node {
     if (value.length === 0) return document.createTextNode('—');
     if (value.every((v) => v && typeof v === 'object' && !Array.isArray(v))) {
       const keys = [...new Set(value.flatMap((v) => Object.keys(v as object)))];
-      return h('div', { class: 'table-wrap' }, h('table', {},
+      return h('div', { class: 'table-wrap', tabindex: 0 }, h('table', {},
         h('thead', {}, h('tr', {}, keys.map((k) => h('th', { scope: 'col' }, k)))),
         h('tbody', {}, value.map((row) => h('tr', {}, keys.map((k) => h('td', {}, describe((row as Record<string, unknown>)[k]))))))));
     }

@@ -55,7 +55,7 @@ export async function guiaViewPage(main: HTMLElement, params: Record<string, str
         h('dt', {}, t('contract')), h('dd', {}, c.cb_CodContrato ?? ''),
         h('dt', {}, t('date')), h('dd', {}, c.cb_DataRequisicao ?? ''),
         h('dt', {}, t('documentNumber')), h('dd', {}, c.cb_NDoc ?? '')),
-      h('div', { class: 'table-wrap' }, h('table', {},
+      h('div', { class: 'table-wrap', tabindex: 0 }, h('table', {},
         h('caption', { class: 'skip' }, t('guiaLines')),
         h('thead', {}, h('tr', {}, h('th', { scope: 'col' }, '#'), LINE_COLUMNS.map((col) => h('th', { scope: 'col' }, col)))),
         h('tbody', {}, (guia.produtos ?? []).map((p, i) => h('tr', {}, h('th', { scope: 'row' }, String(i + 1)), LINE_COLUMNS.map((col) => h('td', {}, p[col] ?? ''))))))),

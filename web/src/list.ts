@@ -62,7 +62,7 @@ export async function listPage(main: HTMLElement): Promise<void> {
     const guias = new Set(rows.map((r) => String(r.Req ?? r.Guia)));
     results.append(
       h('p', {}, t('listed', { guias: guias.size, lines: rows.length })),
-      h('div', { class: 'table-wrap' }, h('table', {},
+      h('div', { class: 'table-wrap', tabindex: 0 }, h('table', {},
         h('caption', { class: 'skip' }, t('navList')),
         h('thead', {}, h('tr', {}, SHOWN.map(([, text]) => h('th', { scope: 'col' }, t(text))), h('th', { scope: 'col' }, t('actions')))),
         h('tbody', {}, rows.map((r) => {

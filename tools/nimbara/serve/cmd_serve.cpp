@@ -7,6 +7,7 @@
 #include "assets.hpp"
 #include "commands.hpp"
 #include "db_command.hpp"
+#include "option_checks.hpp"
 #include "routes.hpp"
 #include "server.hpp"
 
@@ -64,7 +65,7 @@ void register_serve(CLI::App& app, int& status)
                     "than 127.0.0.1, ::1 or localhost needs users, see nimbara users add)");
     cmd->add_option("--tls-cert", o->tls_cert, "PEM certificate file: serve HTTPS (with --tls-key)");
     cmd->add_option("--tls-key", o->tls_key, "PEM private key file of --tls-cert");
-    cmd->add_option("--threads", o->threads, "Connections served at once (default 64)")->check(CLI::Range(1, 1024));
+    cmd->add_option("--threads", o->threads, "Connections served at once (default 64)")->check(whole_in(1, 1024));
     cmd->footer("The first line on standard output is the address it listens on. Without users every caller is an "
                 "admin with no login; with users (nimbara users add) everyone logs in.\n"
                 "Exit status: 0 stopped by Ctrl-C or SIGTERM, 2 an address refused or in use, TLS files that cannot "

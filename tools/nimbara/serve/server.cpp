@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "audit.hpp"
+#include "import_jobs.hpp"
 #include "nimbara/Schema.hpp"
 #include "server_state.hpp"
 #include "users.hpp"
@@ -222,6 +223,8 @@ Server::Server(ServerSettings settings) : state_(std::make_unique<State>(std::mo
         EnsureAccessTables(*db.get());
         state_->login_required = users_exist(*db.get());
     }
+    // A background import opens a connection of its own to the same database.
+    import_jobs().set_opener([conn = s.conn] { return OpenGuiaDatabase(conn); });
     if (!is_loopback(s.listen.host) && !state_->login_required)
         throw ServerError("will not listen on " + s.listen.host +
                           " without users: anyone who reaches it could change the database; add one with "
