@@ -26,7 +26,7 @@ export function barChart(products: Summary['products'], title: string): SVGEleme
       const y = gap + i * (barHeight + gap);
       const w = Math.max(1, Math.round(((Number(p.quantity) || 0) / max) * plot));
       return svg('g', {},
-        svg('text', { x: labelWidth - 8, y: y + barHeight / 2 + 4, 'text-anchor': 'end' }, p.product),
+        svg('text', { x: labelWidth - 8, y: y + barHeight / 2 + 4, 'text-anchor': 'end' }, p.product.split(' - ')[0]),
         svg('rect', { class: 'bar', x: labelWidth, y, width: w, height: barHeight }),
         svg('text', { x: labelWidth + w + 6, y: y + barHeight / 2 + 4 }, number.format(Number(p.quantity) || 0)));
     }));
