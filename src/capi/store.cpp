@@ -16,8 +16,6 @@
 namespace nimbara::capi {
 namespace {
 
-Database& database(nimbara_store* store) { return *required(store, "store").db; }
-
 // The stored Guia judged as `nimbara db check` judges it: each line against the rule tables, then
 // the Guia in the station's own working table.
 nimbara_outcome check_stored(const std::shared_ptr<Database>& db, std::int32_t n_req)

@@ -99,7 +99,7 @@ int print_as_array(const PrintOptions& o, const std::shared_ptr<Database>& db)
     cls_ValProdutosA guia;
     if (const auto refused = fill_guia(guia, file)) throw CommandError("Guia " + std::to_string(o.n_req) + ": " + *refused);
     std::vector<PrintProblem> problems;
-    for (const auto& f : guia.PrintProblems()) problems.push_back({f.where, f.cause});
+    for (const auto& f : guia.PrintProblems()) problems.push_back({f.where, f.cause, {}});
     if (!problems.empty())
         throw CommandError(refusal(o.n_req, problems,
                                    " by the array edition (the places are those of its Guia file: nimbara db show " +
