@@ -1,7 +1,7 @@
 import { ApiError, api, listIn } from './api';
 import { clear, h, uid } from './dom';
 import {
-  Fields, GuiaFile, LINE_COLUMNS, LineColumn, PossibleValue, Verdict, emptyLine, julianDay, lineIsBlank,
+  COLUMN_TEXT, Fields, GuiaFile, LINE_COLUMNS, LineColumn, PossibleValue, Verdict, emptyLine, julianDay, lineIsBlank,
   parseTsv, readGuiaCheck, readPossibleValues, readVerdict, servicesOf,
 } from './guia';
 import { TextKey, t } from './i18n';
@@ -30,12 +30,6 @@ interface Row {
   detail?: HTMLTableRowElement;
 }
 
-const COLUMN_TEXT: Record<LineColumn, TextKey> = {
-  B_Produto: 'colProduct', A_Zona_Taxacao: 'colZone', Escalao: 'colWeight', D_Quantidade: 'colQuantity',
-  E_Velocidade: 'colSpeed', Formato: 'colFormat', PreTratamento: 'colPretreatment', Desconto: 'colDiscount',
-  CodAmbitoDist: 'colScope', Entrega_Sampling: 'colSampling', ListaServesp: 'colServices',
-  TaxEsp_Quantidade: 'colSpecialQuantity', TaxEsp_Semana: 'colSpecialWeek', refClie: 'colReference',
-};
 const NUMERIC = new Set<string>(['Escalao', 'D_Quantidade', 'TaxEsp_Quantidade']);
 // The fields whose accepted values the API gives, and the only ones it takes as the line so far.
 const ASKED = new Set<string>(['B_Produto', 'A_Zona_Taxacao', 'Escalao', 'E_Velocidade', 'Formato', 'PreTratamento',

@@ -1,5 +1,6 @@
 // The Guia as the API takes and gives it (the Guia file's JSON shape), and what the pages read from
 // the API's answers, read leniently: a missing key is an empty text, as in the Guia file.
+import type { TextKey } from './i18n';
 export type Fields = Record<string, string>;
 
 export interface GuiaFile {
@@ -27,6 +28,14 @@ export const LINE_COLUMNS = [
   'refClie',
 ] as const;
 export type LineColumn = (typeof LINE_COLUMNS)[number];
+
+// Each column's caption, as the form and the saved Guia show it.
+export const COLUMN_TEXT: Record<LineColumn, TextKey> = {
+  B_Produto: 'colProduct', A_Zona_Taxacao: 'colZone', Escalao: 'colWeight', D_Quantidade: 'colQuantity',
+  E_Velocidade: 'colSpeed', Formato: 'colFormat', PreTratamento: 'colPretreatment', Desconto: 'colDiscount',
+  CodAmbitoDist: 'colScope', Entrega_Sampling: 'colSampling', ListaServesp: 'colServices',
+  TaxEsp_Quantidade: 'colSpecialQuantity', TaxEsp_Semana: 'colSpecialWeek', refClie: 'colReference',
+};
 
 // What a new line holds before the clerk types: the dimensions most lines do not use are "0".
 export function emptyLine(): Fields {

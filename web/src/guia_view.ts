@@ -1,7 +1,7 @@
 import { ApiError, api, withQuery } from './api';
 import { confirmDialog, describe } from './confirm';
 import { h } from './dom';
-import { GuiaFile, LINE_COLUMNS } from './guia';
+import { COLUMN_TEXT, GuiaFile, LINE_COLUMNS } from './guia';
 import { t } from './i18n';
 import { navigate } from './router';
 
@@ -57,7 +57,7 @@ export async function guiaViewPage(main: HTMLElement, params: Record<string, str
         h('dt', {}, t('documentNumber')), h('dd', {}, c.cb_NDoc ?? '')),
       h('div', { class: 'table-wrap', tabindex: 0 }, h('table', {},
         h('caption', { class: 'skip' }, t('guiaLines')),
-        h('thead', {}, h('tr', {}, h('th', { scope: 'col' }, '#'), LINE_COLUMNS.map((col) => h('th', { scope: 'col' }, col)))),
+        h('thead', {}, h('tr', {}, h('th', { scope: 'col' }, '#'), LINE_COLUMNS.map((col) => h('th', { scope: 'col', title: col }, t(COLUMN_TEXT[col]))))),
         h('tbody', {}, (guia.produtos ?? []).map((p, i) => h('tr', {}, h('th', { scope: 'row' }, String(i + 1)), LINE_COLUMNS.map((col) => h('td', {}, p[col] ?? ''))))))),
       h('div', { class: 'actions' },
         h('a', { href: `/?copy=${encodeURIComponent(id)}` }, t('copyToNew')),
