@@ -1,5 +1,5 @@
 import { h } from './dom';
-import { t } from './i18n';
+import { reportKey, t } from './i18n';
 
 // A modal question that names what a delete takes with it; answers true only on an explicit yes.
 export function confirmDialog(title: string, body: Node[], yes: string): Promise<boolean> {
@@ -32,14 +32,14 @@ export function describe(value: unknown): Node {
     if (value.every((v) => v && typeof v === 'object' && !Array.isArray(v))) {
       const keys = [...new Set(value.flatMap((v) => Object.keys(v as object)))];
       return h('div', { class: 'table-wrap', tabindex: 0 }, h('table', {},
-        h('thead', {}, h('tr', {}, keys.map((k) => h('th', { scope: 'col' }, k)))),
+        h('thead', {}, h('tr', {}, keys.map((k) => h('th', { scope: 'col', title: k }, reportKey(k))))),
         h('tbody', {}, value.map((row) => h('tr', {}, keys.map((k) => h('td', {}, describe((row as Record<string, unknown>)[k]))))))));
     }
     return document.createTextNode(value.map((v) => (typeof v === 'object' ? JSON.stringify(v) : String(v))).join(', '));
   }
   if (typeof value === 'object') {
     return h('dl', { class: 'described' }, Object.entries(value as Record<string, unknown>).flatMap(([k, v]) => [
-      h('dt', {}, k), h('dd', {}, describe(v)),
+      h('dt', { title: k }, reportKey(k)), h('dd', {}, describe(v)),
     ]));
   }
   return document.createTextNode(String(value));

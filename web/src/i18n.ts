@@ -416,3 +416,26 @@ export function t(key: TextKey, values: Record<string, string | number> = {}): s
 export function locale(): string {
   return current === 'pt' ? 'pt-PT' : 'en-GB';
 }
+
+// The keys of the API's reports (an import's, a delete's cascade) in words; a key not named here is
+// shown as the API spells it.
+const REPORT_KEYS: Record<Language, Record<string, string>> = {
+  pt: {
+    command: 'Comando', status: 'Estado', layout: 'Formato do ficheiro', version: 'Versão', procedure: 'Procedimento',
+    dry_run: 'Simulação', replaced: 'Substituídos', imported: 'Importados', clients: 'Clientes', contracts: 'Contratos',
+    guias: 'Guias', lines: 'Linhas', services: 'Serviços especiais', orphans: 'Linhas sem Guia',
+    not_printable: 'Não imprimíveis', causes: 'Causas', cause: 'Causa', first_n_req: 'Primeiras Guias (N_Req)',
+    of: 'De', deleted: 'Apagados',
+  },
+  en: {
+    command: 'Command', status: 'Status', layout: 'File layout', version: 'Version', procedure: 'Procedure',
+    dry_run: 'Dry run', replaced: 'Replaced', imported: 'Imported', clients: 'Clients', contracts: 'Contracts',
+    guias: 'Guias', lines: 'Lines', services: 'Special services', orphans: 'Lines without a Guia',
+    not_printable: 'Not printable', causes: 'Causes', cause: 'Cause', first_n_req: 'First Guias (N_Req)',
+    of: 'Of', deleted: 'Deleted',
+  },
+};
+
+export function reportKey(key: string): string {
+  return REPORT_KEYS[current][key] ?? key;
+}
