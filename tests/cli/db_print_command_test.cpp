@@ -15,17 +15,12 @@
 #include "support/unwritable_places.hpp"
 
 using nimbara::testing::example;
+using nimbara::testing::kSampleClient;
 using nimbara::testing::kBothStores;
 using nimbara::testing::store_name;
 namespace fs = std::filesystem;
 
 namespace {
-
-const char* kClient = R"({"vCod_Cliente": "456", "vNome": "Papelaria Horizonte, Lda.", "iTipoCliente": 1,
-  "vMorada": "Rua das Flores, 12", "vLocalidade": "Lisboa", "vCodPostal": "1000-100", "vDesigPostal": "LISBOA",
-  "vNIF": "501234567", "vObservacoes": "", "iAcessoRede": 0,
-  "contratos": [{"vCodContrato": "300042", "vDesignacao": "Correio", "vJppCredenciado": false,
-                 "vCodCredencial": "77", "vValidacao": "", "vDescricao": "", "bActivo": true}]})";
 
 class DbPrintCommand : public nimbara::testing::DbProgramTest {
 protected:
@@ -33,7 +28,7 @@ protected:
     {
         DbProgramTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
-        std::ofstream(folder.path() / "client.json") << kClient;
+        std::ofstream(folder.path() / "client.json") << kSampleClient;
         ASSERT_EQ(program("client save " + (folder.path() / "client.json").string()).status, 0);
         const auto saved = program("save " + example("valid-guia.json"));
         ASSERT_EQ(saved.out, "1\t1\t1\n") << saved.err;

@@ -12,6 +12,7 @@
 #include "support/test_database.hpp"
 
 using nimbara::testing::example;
+using nimbara::testing::kSampleClient;
 using nimbara::testing::kBothStores;
 using nimbara::testing::run;
 using nimbara::testing::store_name;
@@ -19,19 +20,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char* kClient = R"({"vCod_Cliente": "456", "vNome": "Papelaria Horizonte, Lda.", "iTipoCliente": 1,
-  "vMorada": "Rua das Flores, 12", "vLocalidade": "Lisboa", "vCodPostal": "1000-100", "vDesigPostal": "LISBOA",
-  "vNIF": "501234567", "vObservacoes": "", "iAcessoRede": 0,
-  "contratos": [{"vCodContrato": "300042", "vDesignacao": "Correio", "vJppCredenciado": false,
-                 "vCodCredencial": "77", "vValidacao": "", "vDescricao": "", "bActivo": true}]})";
-
 class DbReceive : public nimbara::testing::DbProgramTest {
 protected:
     void SetUp() override
     {
         DbProgramTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
-        std::ofstream(folder.path() / "client.json") << kClient;
+        std::ofstream(folder.path() / "client.json") << kSampleClient;
         ASSERT_EQ(program("client save " + (folder.path() / "client.json").string()).status, 0);
         for (const char* n : {"1", "2"}) {
             const auto saved = program("save " + example("valid-guia.json"));

@@ -18,6 +18,7 @@
 #include "support/temp_folder.hpp"
 
 using nimbara::testing::example;
+using nimbara::testing::kSampleClient;
 using nimbara::testing::read_file;
 using nimbara::testing::run;
 using nimbara::testing::run_with;
@@ -130,12 +131,6 @@ TEST_F(PrintToQueue, PrintersListsTheQueuesAndTheDefault)
 
 namespace {
 
-const char* kClient = R"({"vCod_Cliente": "456", "vNome": "Papelaria Horizonte, Lda.", "iTipoCliente": 1,
-  "vMorada": "Rua das Flores, 12", "vLocalidade": "Lisboa", "vCodPostal": "1000-100", "vDesigPostal": "LISBOA",
-  "vNIF": "501234567", "vObservacoes": "", "iAcessoRede": 0,
-  "contratos": [{"vCodContrato": "300042", "vDesignacao": "Correio", "vJppCredenciado": false,
-                 "vCodCredencial": "77", "vValidacao": "", "vDescricao": "", "bActivo": true}]})";
-
 class DbPrintToQueue : public nimbara::testing::DbProgramTest {
 protected:
     void SetUp() override
@@ -143,7 +138,7 @@ protected:
         if (!nimbara::testing::use_test_cups()) GTEST_SKIP() << "NO CUPS SCHEDULER FOR THE TESTS (scripts/with-cups starts one)";
         DbProgramTest::SetUp();
         if (IsSkipped() || HasFailure()) return;
-        ASSERT_EQ(program("client save " + folder.write("client.json", kClient)).status, 0);
+        ASSERT_EQ(program("client save " + folder.write("client.json", kSampleClient)).status, 0);
         ASSERT_EQ(program("save " + example("valid-guia.json")).status, 0);
         ASSERT_EQ(program("params set vGuiaNVias=2").status, 0);
     }
